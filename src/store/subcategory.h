@@ -1,0 +1,20 @@
+// Subcategories: categories whose flat name is made of a path and indices, `<name0>;<idx0>;<name1>;<idx1>;`.
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "store/store.h"
+
+namespace kzb {
+
+// The flat name; empty for an empty path or null indices.
+std::string subcategory_name(const char* path, const int* indices);
+
+// Distinct first pieces behind the name without the last element's index, sorted by byte value.
+std::set<std::string> subcategory_indices(const KZB_STORE& store, const char* path, const int* indices);
+
+// Distinct first pieces behind the whole name, sorted by byte value.
+std::set<std::string> child_subcategories(const KZB_STORE& store, const char* path, const int* indices);
+
+}  // namespace kzb
