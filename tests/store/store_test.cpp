@@ -49,7 +49,6 @@ TEST(Store, null_handle_and_null_texts_give_the_absent_value) {
     kzb_initialize(nullptr);
     kzb_finish(nullptr);
     EXPECT_EQ(kzb_reader("file", nullptr), 1);
-    EXPECT_EQ(kzb_reader(nullptr, store), 1);
     kzb_writer("file", nullptr);
     kzb_writer(nullptr, store);
     EXPECT_EQ(kzb_get_time(nullptr, 0), 0.0);
@@ -78,6 +77,12 @@ TEST(Store, null_handle_and_null_texts_give_the_absent_value) {
     kzb_set_application(nullptr, nullptr, store);
     EXPECT_EQ(kzb_make_LdLq(nullptr), 0);
     EXPECT_EQ(kzb_apply_skew(0, 0, 0, 0, 0, 0, nullptr, nullptr), 1);
+}
+
+TEST(Store, null_path_reads_like_a_file_that_cannot_be_opened) {
+    TestStore store;
+    EXPECT_EQ(kzb_reader(nullptr, store), 1);
+    EXPECT_EQ(kzb_has_error(store), 90001);
 }
 
 TEST(Store, two_puts_with_one_key_leave_one_entry_with_the_second_value) {

@@ -1,0 +1,67 @@
+// Reads the input as a model file, loads all bodies, looks every table up in the middle of its axes, expands and skews.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "KZBCalculator/kzb_store.h"
+
+namespace {
+
+// Neither perror nor printf of a million broken files is of interest.
+void silence() {
+    static const bool done = [] {
+        const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        dup2(null, 1);
+        return std::freopen("/dev/null", "w", stdout) != nullptr;
+    }();
+    (void)done;
+}
+
+void look_up_all(KZB_STORE* store) {
+    for (int c = 0; c < kzb_get_category_num(store); ++c) {
+        const std::string category = kzb_get_category_name(c, store);
+        for (int t = 0; t < kzb_get_table_num(category.c_str(), store); ++t) {
+            const std::string key = kzb_get_table_keyword(category.c_str(), t, store);
+            const int dim = kzb_get_table_dim(category.c_str(), key.c_str(), store);
+            if (dim < 1 || dim > 6) {
+                continue;
+            }
+            std::vector<double> at;
+            for (int axis = 1; axis <= dim; ++axis) {
+                const int rows = kzb_get_table_num_rows(category.c_str(), key.c_str(), axis, store);
+                const double first = kzb_get_table_axis_value(category.c_str(), key.c_str(), axis, 0, store);
+                const double last = kzb_get_table_axis_value(category.c_str(), key.c_str(), axis, rows - 1, store);
+                at.push_back(0.5 * first + 0.5 * last);
+            }
+            for (const char* method : {"Linear", "Cubic", "Spline4", "Spline6", "Spline"}) {
+                kzb_get_table_interpolated_value(category.c_str(), key.c_str(), at.data(), method, store);
+            }
+        }
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    silence();
+    static const int file = memfd_create("model", MFD_CLOEXEC);
+    static const std::string path = "/proc/self/fd/" + std::to_string(file);
+    if (ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) {
+        return 0;
+    }
+    KZB_STORE* store = nullptr;
+    kzb_initialize(&store);
+    kzb_reader(path.c_str(), store);
+    kzb_set_application("ALL", "", store);
+    look_up_all(store);
+    kzb_expand_table_considering_phase_symmetry(store);
+    kzb_apply_skew(3, 0, 5.0, 0.0, 2, 0, "Linear", store);
+    kzb_make_LdLq(store);
+    kzb_finish(store);
+    return 0;
+}
