@@ -1,0 +1,36 @@
+// Memory for the table bodies of one file: never more than the file can back, large bodies side by side on huge pages.
+//
+// Loading many large tables costs more in page faults than in copying when every array has pages of its own.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "table/table.h"
+
+namespace kzb {
+
+class BodyMemory {
+  public:
+    explicit BodyMemory(std::int64_t file_size) : file_size_(file_size), unbacked_left_(file_size + small_grant) {}
+
+    // Gives `table` the shape `sizes`; `backed` of its values stand in the file. False, with the table as it was, for a
+    // shape that the file cannot back: values that it lacks are granted up to its own size and a little more, over all
+    // tables.
+    bool shape(KZB_TABLE& table, int dim, const int* sizes, std::int64_t backed);
+
+  private:
+    bool reserve(std::int64_t count);
+    void enlarge(KZB_TABLE& table, const int* sizes, int count);
+
+    static constexpr std::int64_t small_grant = 65536;  // bytes: a small file may hold a table without values
+    std::int64_t file_size_;
+    std::int64_t unbacked_left_;  // bytes
+    std::shared_ptr<void> slab_;
+    std::size_t slab_size_ = 0;
+    std::size_t slab_used_ = 0;
+    bool slab_refused_ = false;
+};
+
+}  // namespace kzb

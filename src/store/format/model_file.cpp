@@ -1,0 +1,108 @@
+#include "store/format/model_file.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "store/format/ascii_reader.h"
+#include "store/format/binary_reader.h"
+#include "store/format/body_memory.h"
+#include "store/format/file_marks.h"
+#include "store/format/file_source.h"
+#include "store/format/legacy_file.h"
+#include "store/format/number_text.h"
+#include "store/format/table_bodies.h"
+#include "store/store.h"
+
+namespace kzb {
+namespace {
+
+// The environment decides where it says so (a text that is no number counts as 0: binary), else the head of the file.
+bool is_ascii(FileSource& source) {
+    if (const char* forced = std::getenv("KZB_READING_ASCII")) {
+        int mode = 0;
+        std::string_view text = forced;
+        scan_int(text, mode);
+        return mode > 0;
+    }
+    constexpr std::size_t compared = 11;
+    return source.is_open() && source.peek(compared) == ascii_head.substr(0, compared);
+}
+
+bool has_form_mark(FileSource& source) {
+    return source.peek(form_mark.size()) == form_mark;
+}
+
+int read_form(KZB_STORE& store, FileSource& source) {
+    if (!source.is_open()) {
+        store.error = 90001;
+        return 1;
+    }
+    if (!has_form_mark(source)) {
+        return read_legacy_file(store, source);
+    }
+    return store.input_type == "ascii" ? read_ascii(store, source) : read_binary(store, source);
+}
+
+// Whether the file brings iron loss, from what it holds.
+void put_ironloss_mark(KZB_STORE& store) {
+    constexpr int induction = 10006;
+    const bool present = get_int(store, "control", "motor_type") == induction
+                             ? get_double(store, "InductionParam", "g0") > 0.0
+                             : has_category(store, "eddyloss") && has_category(store, "hysloss");
+    put_int(store, "information", "has_ironloss_table", present ? 1 : 0);
+}
+
+}  // namespace
+
+int read_model_file(KZB_STORE& store, const char* path) {
+    FileSource source(path);
+    store.input_type = is_ascii(source) ? "ascii" : "binary";
+    store.input_path = path == nullptr ? "" : path;
+    const int result = read_form(store, source);
+    ++store.revision;
+    put_ironloss_mark(store);
+    if (has_parameter(store, "control", "incomplete")) {
+        store.warning = 90033;
+    }
+    return result;
+}
+
+void read_tables(KZB_STORE& store) {
+    FileSource source(store.input_path.c_str());
+    if (!source.is_open()) {
+        print_reading_error();
+        return;
+    }
+    if (!has_form_mark(source)) {
+        std::fputs("The table values have been already read in case of old formats files.\n", stdout);
+        return;
+    }
+    const bool ascii = store.input_type == "ascii";
+    BodyMemory memory(source.size());
+    for (KZB_CATEGORY& category : store.categories) {
+        if (!application_loads(store, category.name)) {
+            continue;
+        }
+        for (KZB_TABLE& table : category.tables) {
+            if (table.loaded == 1 || table.file_position == 0) {
+                continue;
+            }
+            const bool sound =
+                ascii ? load_ascii_table(table, source, memory) : load_binary_table(table, source, memory);
+            if (ascii && !sound) {  // kept: a fault of this form ends the stage for its category
+                break;
+            }
+        }
+    }
+    ++store.revision;
+}
+
+void write_model_file(const KZB_STORE& store) {
+    if (store.output_type == "ascii") {
+        write_ascii(store, store.output_path);
+    } else if (store.output_type == "binary") {
+        write_binary(store, store.output_path);
+    }
+}
+
+}  // namespace kzb
