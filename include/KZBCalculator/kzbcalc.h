@@ -1,0 +1,1341 @@
+/**
+ * @file kzbcalc.h
+ * The calculator: opens a KZB file as a plant model and steps it in time.
+ *
+ * One run: kzbcalcInitialize; options, corrections, temperatures; kzbcalcSetData; initial conditions; for every sample
+ * kzbcalcSetTime, kzbcalcSetDisplacement, kzbcalcSetVoltage or kzbcalcSetCurrent, kzbcalcSetSignal, then kzbcalcExecute
+ * any number of times, the getters, and kzbcalcUpdate once; kzbcalcTerminate. Nothing enforces this order: a call out
+ * of order works on whatever state the model has.
+ *
+ * Motor types: 10000 permanent-magnet synchronous, 10003 two-phase stepping, 10004 linear solenoid, 10005 linear
+ *           synchronous, 10006 induction, 10007 wound-field synchronous, 10008 generic, 10010 to 10012 switched
+ *           reluctance with 3, 4, 5 phases. This version opens 10000 and 10005.
+ * Results:  a status is 0 or a code 1800xx; a getter of a double returns the code as a number (180039.0), to be told
+ *           from a value by its size. A null handle, and one whose kzbcalcInitialize failed, gives 180039 where the
+ *           call doesn't say otherwise. No call throws or ends the process.
+ * Units:    degrees for rotary machines and metres for linear ones, seconds, volts, amperes, kelvin; coil coefficients
+ *           in ppm per K, magnet coefficients in percent per K. Phases and indices count from 1.
+ */
+#ifndef KZBCALCULATOR_KZBCALC_H
+#define KZBCALCULATOR_KZBCALC_H
+
+#ifndef KZB_API
+#if defined(__GNUC__)
+#define KZB_API __attribute__((visibility("default")))
+#else
+#define KZB_API
+#endif
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/** One open calculator; opaque. */
+typedef struct KZB_CALC KZB_CALC;
+
+/* -------------------------------------------------------------------------------------------------------- lifecycle */
+
+/**
+ * Opens a KZB file and makes the model that fits its motor type.
+ * The handle is written before the file is read: release it with kzbcalcTerminate whatever the status is.
+ *
+ * @param[in]  path  file name in the host's encoding; null counts as a missing file.
+ * @param[in]  calc_mode  1 voltage driven: kzbcalcExecute finds the currents; 2 current driven: the caller gives them
+ *                        and kzbcalcGetTorque evaluates.
+ * @param[out] out  receives the handle, null only for want of memory; not null.
+ * @return     0, or a status.
+ *
+ * Errors:  180002 file not readable, 180001 motor type not accepted, 180030 calc_mode not 1 or 2, tested in this
+ *          order; 180039 for a null `out`.
+ * Threads: handles may be opened and used on different threads.
+ * Cost:    reads the file's categories and the tables of the chosen application; allocates.
+ */
+KZB_API int kzbcalcInitialize(const char* path, int calc_mode, KZB_CALC** out);
+
+/**
+ * Releases the model, the file's contents and the handle.
+ *
+ * @param[in]  handle  calculator, also one whose kzbcalcInitialize failed; null is ignored.
+ * @return     always 0.
+ *
+ * Errors:  none.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    frees memory; writes "KZBtime.txt" when KZB_OUTPUT_ELAPSED_TIME is set.
+ */
+KZB_API int kzbcalcTerminate(KZB_CALC* handle);
+
+/**
+ * Version of the calculator.
+ *
+ * @return     "2.0.51", a static text.
+ *
+ * Errors:  none.
+ * Threads: any.
+ * Cost:    none.
+ */
+KZB_API const char* kzbcalcVersion(void);
+
+/**
+ * Motor type of the open file.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the code of "motor_type" in category "control", 0 when no file was read.
+ *
+ * Errors:  none but the null handle.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcCheckMotorType(KZB_CALC* handle);
+
+/**
+ * Number of phases of a switched reluctance machine.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     3, 4 or 5 for 10010, 10011, 10012; else a status.
+ *
+ * Errors:  180039 for every other motor type, the three-phase ones included.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetNumberOfPhases(KZB_CALC* handle);
+
+/* ------------------------------------------------------------------------------------------------- stepping, inputs */
+
+/**
+ * Binds the model to the file's data. Comes after the options that influence what is read (skew, connection,
+ * resistance, losses, accuracy) and before the first sample.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or 180039 for a null handle.
+ *
+ * Errors:  none: what the file lacks counts as 0.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    reads tables from the file; allocates.
+ */
+KZB_API int kzbcalcSetData(KZB_CALC* handle);
+
+/**
+ * Time of the sample; the time before becomes the previous one.
+ *
+ * @param[in]  time  (s), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180032 negative; nothing is changed then.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetTime(double time, KZB_CALC* handle);
+
+/**
+ * Position of the moving part in this sample; the initial displacement is added.
+ *
+ * @param[in]  displacement  (deg) for rotary machines, (m) for linear ones; any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetDisplacement(double displacement, KZB_CALC* handle);
+
+/**
+ * Terminal voltage of a port. The model sees it at kzbcalcExecute.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  voltage  (V), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180031 phase out of range, 180039 generic model.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetVoltage(int phase, double voltage, KZB_CALC* handle);
+
+/**
+ * Current of a phase, current-driven mode.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  current  (A), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180031 phase out of range, 180039 generic model.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCurrent(int phase, double current, KZB_CALC* handle);
+
+/**
+ * Switch of a port: whether its voltage is applied or it floats.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  signal  0 floats, any other value applies the voltage; 1 at start.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180031 phase out of range, 180039 generic model.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSignal(int phase, int signal, KZB_CALC* handle);
+
+/**
+ * One step from the accepted state to the present time. May be called any number of times in a sample;
+ * kzbcalcUpdate alone accepts.
+ *
+ * @param[in]  handle  calculator; null is ignored.
+ * @return     always 0; a failed step shows as unchanged currents.
+ *
+ * Errors:  none.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    table lookups and one solve of a few unknowns; no allocation after the first samples, no lock; writes
+ *          files only with DORN_KZ_DEBUG_OUTPUT set.
+ */
+KZB_API int kzbcalcExecute(KZB_CALC* handle);
+
+/**
+ * Accepts the step: present values become previous ones.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or 180039 for a null handle.
+ *
+ * Errors:  none.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcUpdate(KZB_CALC* handle);
+
+/* ------------------------------------------------------------------------------------------------ stepping, results */
+
+/**
+ * Current of a phase.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (A), or a status as a number.
+ *
+ * Errors:  180031.0 phase out of range, 180039.0 generic model.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCurrent(int phase, KZB_CALC* handle);
+
+/**
+ * Voltage across a winding less its resistive drop; not the applied voltage.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (V), or a status as a number; 0.0 for reluctance machines.
+ *
+ * Errors:  180031.0 phase out of range, 180039.0 generic model.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetVoltage(int phase, KZB_CALC* handle);
+
+/**
+ * Voltage induced in a phase by the last step.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (V), or a status as a number; 0.0 before the third sample and for 10007 and 10008.
+ *
+ * Errors:  180031.0 phase out of range.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetInducedVoltage(int phase, KZB_CALC* handle);
+
+/**
+ * Torque: of the last step when voltage driven, evaluated from the present currents when current driven.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (N*m), or a status as a number.
+ *
+ * Errors:  180034.0 for a model without torque, linear ones included.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    voltage driven: none; current driven: table lookups, no allocation.
+ */
+KZB_API double kzbcalcGetTorque(KZB_CALC* handle);
+
+/**
+ * Force of a linear machine, evaluated from the present currents.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (N), or a status as a number.
+ *
+ * Errors:  180035.0 for a model without force.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    table lookups, no allocation.
+ */
+KZB_API double kzbcalcGetForce(KZB_CALC* handle);
+
+/**
+ * Flux linkage of a coil.
+ *
+ * @param[in]  phase  from 1; 1 to 3 for 10000, 1 to 4 for 10007.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Vs), or a status as a number.
+ *
+ * Errors:  180031.0 phase out of range, 180039.0 for types other than 10000 and 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilFlux(int phase, KZB_CALC* handle);
+
+/**
+ * Element of the inductance matrix. For permanent-magnet machines row 1 column 3 gives the element at row 3 column
+ * 1.
+ *
+ * @param[in]  row  from 1, a phase as for kzbcalcGetCurrent.
+ * @param[in]  column  likewise.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (H), or a status as a number.
+ *
+ * Errors:  180031.0 row or column out of range; 180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetInductance(int row, int column, KZB_CALC* handle);
+
+/**
+ * Inductance of the d axis; a third of it for a delta connection.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (H), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetDAxisInductance(KZB_CALC* handle);
+
+/**
+ * Inductance of the q axis; a third of it for a delta connection.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (H), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetQAxisInductance(KZB_CALC* handle);
+
+/**
+ * Magnet flux of a phase at the present position, without temperature. In C++ the call has C++ linkage.
+ *
+ * @param[in]  phase  1 to 3; tested after the lookup.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Vs), or a status as a number.
+ *
+ * Errors:  180042.0 phase out of range; 180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    one table lookup, no allocation.
+ */
+#ifdef __cplusplus
+} /* C++ linkage: the symbol carries the signature. */
+KZB_API double kzbcalcGetMagFlux(int phase, KZB_CALC* handle);
+extern "C" {
+#elif defined(__GNUC__)
+KZB_API double kzbcalcGetMagFlux(int phase, KZB_CALC* handle) __asm__("_Z17kzbcalcGetMagFluxiP8KZB_CALC");
+#endif
+
+/**
+ * Resistance of a phase in the last step.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Ohm), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetResistance(KZB_CALC* handle);
+
+/**
+ * Copper loss: sum over the phases of resistance times current squared, one resistance serving all phases.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or 180039.0 for a null handle.
+ *
+ * Errors:  none.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCopperloss(KZB_CALC* handle);
+
+/**
+ * Eddy current loss; 0.0 for 10000 when the file gives iron loss as one table.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetEddyloss(KZB_CALC* handle);
+
+/**
+ * Hysteresis loss; 0.0 for 10000 when the file gives iron loss as one table.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetHysteresisloss(KZB_CALC* handle);
+
+/**
+ * Iron loss.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetIronloss(KZB_CALC* handle);
+
+/**
+ * Copper loss from the user's equivalent resistance table; 0.0 when that is not in use.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetUserCopperLoss(KZB_CALC* handle);
+
+/**
+ * A user-specified output of the file, as of the last step.
+ *
+ * @param[in]  index  from 1 to kzbcalcGetNumberOfUserSpecifiedParameters.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     the value, or a status as a number.
+ *
+ * Errors:  180062.0 index out of range; 180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetUserSpecifiedParameter(int index, KZB_CALC* handle);
+
+/**
+ * Number of user-specified outputs; known after kzbcalcSetData.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the number, or a status.
+ *
+ * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetNumberOfUserSpecifiedParameters(KZB_CALC* handle);
+
+/* -------------------------------------------------------------------------------- initial conditions and resistance */
+
+/**
+ * Current of a phase before the first sample; after kzbcalcSetData.
+ *
+ * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
+ *                    for 10004, 1 to 5 for 10012.
+ * @param[in]  current  (A), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status. A generic model ignores the call with 0.
+ *
+ * Errors:  180031 phase out of range.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialCurrent(int phase, double current, KZB_CALC* handle);
+
+/**
+ * Offset that is added to every displacement to come.
+ *
+ * @param[in]  displacement  (deg), also for 10004; (m) for 10005.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 generic model.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialDisplacement(double displacement, KZB_CALC* handle);
+
+/**
+ * Time before the first sample.
+ *
+ * @param[in]  time  (s), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180032 negative; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialTime(double time, KZB_CALC* handle);
+
+/**
+ * Phase resistance in place of the file's; before kzbcalcSetData.
+ *
+ * @param[in]  resistance  (Ohm), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180041 zero or negative; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetResistance(double resistance, KZB_CALC* handle);
+
+/* ------------------------------------------------------------------------------------------------------ corrections */
+
+/**
+ * Correction of the flux.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180017, value not accepted; 180039 for a motor type other than 10000, 10003 to 10005, 10007, 10010 to
+ *          10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfFlux(double factor, KZB_CALC* handle);
+
+/**
+ * Correction of the magnets.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180020, value not accepted; 180039 for a motor type other than 10000, 10003 to 10005, 10010 to 10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfMagnet(double factor, KZB_CALC* handle);
+
+/**
+ * Correction of the steel.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180021, value not accepted; 180039 for a motor type other than 10000, 10003 to 10005, 10007, 10010 to
+ *          10012 (10008 before the value is tested).
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfSteel(double factor, KZB_CALC* handle);
+
+/**
+ * Correction of the inductances.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180018, value not accepted; 180039 for a motor type other than 10000, 10003 to 10005, 10010 to 10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfInductance(double factor, KZB_CALC* handle);
+
+/**
+ * Correction of the torque.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180019, value not accepted; 180039 for a motor type other than 10000, 10003, 10007, 10010 to 10012 (10008
+ *          before the value is tested).
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfTorque(double factor, KZB_CALC* handle);
+
+/**
+ * Correction of the force.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180033, value not accepted; 180039 for a motor type other than 10004, 10005, before the value is tested.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfForce(double factor, KZB_CALC* handle);
+
+/**
+ * Turns of the coil that scale flux and inductance; before kzbcalcSetData.
+ *
+ * @param[in]  turns  number of turns; 0 or more, 0 stands for the file's.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180016, value not accepted; 180039 for a motor type other than 10000, 10003 to 10005, 10010 to 10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfCoilTurn1(double turns, KZB_CALC* handle);
+
+/**
+ * Turns of the coil that scale the current; before kzbcalcSetData.
+ *
+ * @param[in]  turns  number of turns; 0 or more, 0 stands for the file's.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180016, value not accepted; 180039 for a motor type other than 10000, 10003 to 10005, 10007, 10010 to
+ *          10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfCoilTurn2(double turns, KZB_CALC* handle);
+
+/* ----------------------------------------------------------------------------------------------------- temperatures */
+
+/**
+ * Switches temperature correction on; the temperature calls work only then.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  none but the null handle.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetTemperatureCorrectionCalc(KZB_CALC* handle);
+
+/**
+ * Whether temperature correction is on.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0 or 1, or 180039 for a null handle.
+ *
+ * Errors:  none.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetTemperatureCorrectionCalc(KZB_CALC* handle);
+
+/**
+ * Temperature of the magnets, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10000, 10003 to 10005.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetMagnetTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature of the magnets, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10000, 10003 to 10005.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetMagnetTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature of the magnets that the file's tables belong to, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10000, 10003 to 10005.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetMagnetBaseTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature of the magnets that the file's tables belong to, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10000, 10003 to 10005.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetMagnetBaseTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the magnet flux, set.
+ *
+ * @param[in]  coefficient  (percent per K), -100 to 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180045 value not accepted; 180039 for a
+ *          motor type other than 10000, 10003 to 10005.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetMagFluxTemperatureCorrectionCoefficient(double coefficient, KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the magnet flux, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (percent per K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10000, 10003 to 10005.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetMagFluxTemperatureCorrectionCoefficient(KZB_CALC* handle);
+
+/**
+ * Temperature of the coils, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10000, 10003 to 10007, 10010 to 10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature of the coils, read. Answers for every motor type but 10008.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for the null handle.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature of the coils that the file's resistance belongs to, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10000, 10003 to 10007, 10010 to 10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilBaseTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature of the coils that the file's resistance belongs to, read. Answers for every motor type.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for the null handle.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilBaseTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the coil resistance, set.
+ *
+ * @param[in]  coefficient  (ppm per K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180044 value not accepted; 180039 for a
+ *          motor type other than 10000, 10003 to 10007, 10010 to 10012.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilTemperatureCorrectionCoefficient(double coefficient, KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the coil resistance, read. Answers for every motor type. 10007 gives the factor of
+ * the resistance instead.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (ppm per K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for the null handle.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilTemperatureCorrectionCoefficient(KZB_CALC* handle);
+
+/* ----------------------------------------------------------------------------------------------- options and checks */
+
+/**
+ * How tables are interpolated.
+ *
+ * @param[in]  type  0 "Linear", 1 "Cubic", 2 "Spline4", 3 "Spline6", 4 "Spline".
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180047 another number.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInterpolationType(int type, KZB_CALC* handle);
+
+/**
+ * Which of the file's model data are used; before kzbcalcSetData.
+ *
+ * @param[in]  type  0 Ld and Lq, 1 harmonics, 2 flux integration.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180036, 180037, 180067 the file doesn't offer accuracy 0, 1, 2; 180068 it has no "flux_table"; 180038
+ *          another number; 180039 for a motor type other than 10000.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetAccuracyType(int type, KZB_CALC* handle);
+
+/**
+ * Skew of the two sides, applied by kzbcalcSetData.
+ *
+ * @param[in]  type_a  0 none, else the kind of skew, as for kzb_apply_skew.
+ * @param[in]  type_b  likewise.
+ * @param[in]  angle_a  (deg), whole skew angle.
+ * @param[in]  angle_b  (deg), likewise.
+ * @param[in]  steps_a  number of steps of a stepped skew.
+ * @param[in]  steps_b  likewise.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 for a motor type other than 10000.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSkewParameter(int type_a, int type_b, double angle_a, double angle_b, int steps_a, int steps_b,
+                                    KZB_CALC* handle);
+
+/**
+ * Connection of the phases; before kzbcalcSetData.
+ *
+ * @param[in]  type  0 star, 1 delta.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180048 another number; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetConnectionType(int type, KZB_CALC* handle);
+
+/**
+ * Switches iron loss on; before kzbcalcSetData. With DORN_KZ_USE_OLD_IRONLOSS=1 in the environment the older
+ * formula serves.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180040 the file has no loss data; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetIronlossCalc(KZB_CALC* handle);
+
+/**
+ * Whether the file has iron loss data.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     1 or 0, or a status.
+ *
+ * Errors:  180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcCheckIronloss(KZB_CALC* handle);
+
+/**
+ * Switches user copper loss on; before kzbcalcSetData.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180065 the file has no such data; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetUserCopperlossCalc(KZB_CALC* handle);
+
+/**
+ * Whether the file has user copper loss data.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     1 or 0, or a status.
+ *
+ * Errors:  180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcCheckUserCopperloss(KZB_CALC* handle);
+
+/**
+ * Frequency of the pulse width modulation.
+ *
+ * @param[in]  frequency  (Hz), not tested.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  none but the null handle.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetPWMFreq(double frequency, KZB_CALC* handle);
+
+/**
+ * DC voltage of the supply, for losses that depend on it; after kzbcalcSetData.
+ *
+ * @param[in]  voltage  (V), not tested.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180064 no such loss is in use; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetDCVoltage(double voltage, KZB_CALC* handle);
+
+/**
+ * Carrier frequency of the supply, for losses that depend on it; after kzbcalcSetData.
+ *
+ * @param[in]  frequency  (Hz), not tested.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180064 no such loss is in use; 180039 for a motor type the call doesn't apply to.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCarrierFrequency(double frequency, KZB_CALC* handle);
+
+/**
+ * Upper limit of a solenoid's displacement.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (m), 0.0 when the file states none; or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10004.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetUpperLimitDisplacement(KZB_CALC* handle);
+
+/**
+ * Lower limit of a solenoid's displacement.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (m), 0.0 when the file states none; or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10004.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetLowerLimitDisplacement(KZB_CALC* handle);
+
+/* ------------------------------------------------------------------------------------------------ induction machine */
+
+/**
+ * Whether the file holds the higher-accuracy induction data.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     1 or 0, or a status.
+ *
+ * Errors:  180039 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcCheckInductionMotorInductanceType(KZB_CALC* handle);
+
+/**
+ * Fixed step of the model's integration.
+ *
+ * @param[in]  step_size  (s), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 for a motor type other than 10006, tested first; 180062 negative.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetStepSize(double step_size, KZB_CALC* handle);
+
+/**
+ * Slip frequency.
+ *
+ * @param[in]  frequency  (Hz), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180061 the file lacks the higher-accuracy data; 180039 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSlipFrequency(double frequency, KZB_CALC* handle);
+
+/**
+ * Slip frequency.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Hz), or a status as a number.
+ *
+ * Errors:  180061.0 the file lacks the higher-accuracy data; 180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSlipFrequency(KZB_CALC* handle);
+
+/**
+ * Resistance of the secondary side.
+ *
+ * @param[in]  resistance  (Ohm), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180042 zero or negative; 180060 not settable with the higher-accuracy data; 180039 for a motor type other
+ *          than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSecondaryResistance(double resistance, KZB_CALC* handle);
+
+/**
+ * Resistance of the secondary side.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Ohm), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryResistance(KZB_CALC* handle);
+
+/**
+ * Copper loss of the primary side.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetPrimaryCopperLoss(KZB_CALC* handle);
+
+/**
+ * Copper loss of the secondary side.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (W), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryCopperLoss(KZB_CALC* handle);
+
+/**
+ * Flux of the secondary side, d axis.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Vs), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryFluxD(KZB_CALC* handle);
+
+/**
+ * Flux of the secondary side, q axis.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Vs), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryFluxQ(KZB_CALC* handle);
+
+/**
+ * Temperature of the secondary side, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSecondaryCoilTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature of the secondary side, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryCoilTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature that the secondary resistance belongs to, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSecondaryCoilBaseTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature that the secondary resistance belongs to, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryCoilBaseTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the secondary resistance, set.
+ *
+ * @param[in]  coefficient  (ppm per K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180044 value not accepted; 180039 for a
+ *          motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetSecondaryCoilTemperatureCorrectionCoefficient(double coefficient, KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the secondary resistance, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (ppm per K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10006.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetSecondaryCoilTemperatureCorrectionCoefficient(KZB_CALC* handle);
+
+/* ---------------------------------------------------------------------------------------------- wound-field machine */
+
+/**
+ * Correction of the field winding's flux.
+ *
+ * @param[in]  factor  times the file's values; above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180017, value not accepted; 180039 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfFieldFlux(double factor, KZB_CALC* handle);
+
+/**
+ * Turns of the field winding that scale its current; before kzbcalcSetData.
+ *
+ * @param[in]  turns  number of turns; 0 or more, 0 stands for the file's.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180016, value not accepted; 180039 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfFieldCoilTurn2(double turns, KZB_CALC* handle);
+
+/**
+ * Resistance of the field winding in place of the file's.
+ *
+ * @param[in]  resistance  (Ohm), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180041 zero or negative; 180039 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetFieldCoilResistance(double resistance, KZB_CALC* handle);
+
+/**
+ * Resistance of the field winding, at its temperature when temperature correction is on.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Ohm), or a status as a number.
+ *
+ * Errors:  180039.0 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetFieldCoilResistance(KZB_CALC* handle);
+
+/**
+ * Temperature of the field winding, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetFieldCoilTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature of the field winding, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetFieldCoilTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature that the field winding's resistance belongs to, set.
+ *
+ * @param[in]  temperature  (K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180043 value not accepted; 180039 for a
+ *          motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetFieldCoilBaseTemperature(double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature that the field winding's resistance belongs to, read.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetFieldCoilBaseTemperature(KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the field winding's resistance, set.
+ *
+ * @param[in]  coefficient  (ppm per K), 0 or more.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before all else; 180044 value not accepted; 180039 for a
+ *          motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetFieldCoilTemperatureCorrectionCoefficient(double coefficient, KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of the field winding's resistance, read. Gives the factor of the resistance.
+ *
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (ppm per K), or a status as a number.
+ *
+ * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10007.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetFieldCoilTemperatureCorrectionCoefficient(KZB_CALC* handle);
+
+/* ----------------------------------------------------------------------------------- user inputs of a generic model */
+
+/**
+ * Number of user input parameters.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the number, or a status.
+ *
+ * Errors:  180039 for a motor type other than 10008.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetNumberOfUserInputParameters(KZB_CALC* handle);
+
+/**
+ * A user input parameter.
+ *
+ * @param[in]  index  from 1 to kzbcalcGetNumberOfUserInputParameters.
+ * @param[in]  value  any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180065 index out of range, 180064 no loss that depends on it is in use; 180039 for a motor type other than
+ *          10008.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetUserInputParameter(int index, double value, KZB_CALC* handle);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,249 @@
+#include "diagnostics/log.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "diagnostics/log_format.h"
+
+namespace kzb {
+namespace {
+
+struct KZLogData {
+    std::string key;
+    std::string value;
+    std::optional<std::string> type;
+};
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+struct KZLogger {
+    std::optional<std::string> version;
+    std::optional<std::string> encoding;
+    std::optional<std::string> module;
+    std::string category;
+    std::vector<std::string> comments;  // pending, of the next message above level 0
+    std::vector<KZLogData> data;        // likewise
+    std::string buffer;                 // the formatted text
+    std::string path;
+    std::unique_ptr<std::FILE, CloseFile> stream;
+    bool append = false;
+    bool echo_stdout = false;
+    bool echo_stderr = false;
+    int (*on_fatal)(int) = nullptr;
+};
+
+// The one mutable global of the library.
+std::unique_ptr<KZLogger> logger;
+
+constexpr const char* level_names[] = {"Debug", "Message", "Warning", "Error"};
+constexpr const char* format_version = "0.3";
+
+std::unique_ptr<std::FILE, CloseFile> open_file(const std::string& path, const char* mode) {
+    return std::unique_ptr<std::FILE, CloseFile>(std::fopen(path.c_str(), mode));
+}
+
+void write_tag(std::FILE* out, const char* tag, const std::string& text) {
+    std::fprintf(out, "\t<%s>%s</%s>\n", tag, text.c_str(), tag);
+}
+
+void write_element(std::FILE* out, int level, int code) {
+    std::fputs("<message>\n", out);
+    write_tag(out, "code", std::to_string(code));
+    write_tag(out, "status", level_names[level]);
+    if (logger->module) {
+        write_tag(out, "module", *logger->module);
+    }
+    if (logger->version) {
+        write_tag(out, "version", *logger->version);
+    }
+    if (!logger->category.empty()) {
+        write_tag(out, "category", logger->category);
+    }
+    write_tag(out, "text", logger->buffer);
+    for (const KZLogData& item : logger->data) {
+        if (item.type) {
+            std::fprintf(out, "\t<data key=\"%s\" type=\"%s\">", item.key.c_str(), item.type->c_str());
+        } else {
+            std::fprintf(out, "\t<data key=\"%s\">", item.key.c_str());
+        }
+        std::fprintf(out, "%s</data>\n", item.value.c_str());
+    }
+    if (!logger->comments.empty()) {
+        std::fputs("\t<comment>\n", out);
+        for (const std::string& line : logger->comments) {
+            std::fprintf(out, "\t%s\n", line.c_str());
+        }
+        std::fputs("\t</comment>\n", out);
+    }
+    std::fputs("</message>\n", out);
+}
+
+void write_short_form(int level, int code) {
+    std::fprintf(stderr, "%s:%d\n", level_names[level], code);
+    for (const KZLogData& item : logger->data) {
+        std::fprintf(stderr, "Data:%s:%s\n", item.key.c_str(), item.value.c_str());
+    }
+}
+
+void write_long_form(int level, int code) {
+    if (level == level_warning) {
+        std::fputs("WARNING \n", stdout);
+    } else if (level == level_error) {
+        std::fputs("ERROR \n", stdout);
+    }
+    if (level > level_debug) {
+        std::fprintf(stdout, "code : %d\n", code);
+    }
+    std::fprintf(stdout, "%s\n", logger->buffer.c_str());
+    for (const KZLogData& item : logger->data) {
+        std::fprintf(stdout, "%s: ", item.key.c_str());
+        if (item.type) {
+            std::fprintf(stdout, "%s:", item.type->c_str());
+        }
+        std::fprintf(stdout, "%s\n", item.value.c_str());
+    }
+    if (level > level_debug) {
+        for (const std::string& line : logger->comments) {
+            std::fprintf(stdout, "%s\n", line.c_str());
+        }
+    }
+}
+
+void drop_pending() {
+    logger->comments.clear();
+    logger->data.clear();
+}
+
+}  // namespace
+
+void log_create(const LogSettings& settings) {
+    log_finish();
+    logger = std::make_unique<KZLogger>();
+    logger->version = settings.version;
+    logger->encoding = settings.encoding;
+    logger->module = settings.module;
+    logger->path = settings.path;
+    logger->append = settings.append;
+    logger->echo_stdout = settings.echo_stdout;
+    logger->echo_stderr = settings.echo_stderr;
+    logger->on_fatal = settings.on_fatal;
+}
+
+int log_file_exists() {
+    return logger && !logger->path.empty() && open_file(logger->path, "r") ? 1 : 0;
+}
+
+bool log_is_open() {
+    if (!logger) {
+        std::fputs("Logger not initialised", stderr);
+        std::exit(1);
+    }
+    return logger->stream != nullptr;
+}
+
+void log_open() {
+    if (!logger) {
+        return;
+    }
+    logger->stream.reset();
+    const bool keep = logger->append && log_file_exists() == 1;
+    logger->stream = open_file(logger->path, keep ? "a" : "w");
+    std::FILE* const out = logger->stream.get();
+    if (out == nullptr) {
+        return;
+    }
+    if (!keep && logger->encoding) {
+        std::fprintf(out, "<?xml version=\"1.0\" encoding=\"%s\"?>\n", logger->encoding->c_str());
+    }
+    std::fprintf(out, "<logfile ver=\"%s\">\n", format_version);
+    std::fflush(out);
+}
+
+void log_set_category(const char* text) {
+    if (logger) {
+        logger->category = text != nullptr ? text : "";
+    }
+}
+
+void log_add_comment(const char* text) {
+    if (logger) {
+        logger->comments.emplace_back(text != nullptr ? text : "");
+    }
+}
+
+void log_add_data(const char* key, const char* value, const char* type) {
+    if (logger) {
+        logger->data.push_back({key != nullptr ? key : "", value != nullptr ? value : "",
+                                type != nullptr ? std::optional<std::string>(type) : std::nullopt});
+    }
+}
+
+void log_message(int level, int code, const char* format, std::va_list arguments, bool own_formatter) {
+    level = std::clamp(level, level_debug, level_error);
+    if (!log_is_open()) {
+        log_open();
+    }
+    const char* const pattern = format != nullptr ? format : "";
+    logger->buffer = own_formatter ? format_own(pattern, arguments) : format_runtime(pattern, arguments);
+    if (level == level_debug) {
+        purify_comment(logger->buffer);
+    }
+    if (std::FILE* const out = logger->stream.get()) {
+        if (level == level_debug) {
+            std::fprintf(out, "<!-- %s -->\n", logger->buffer.c_str());
+        } else {
+            write_element(out, level, code);
+        }
+        std::fflush(out);
+    }
+    if (logger->echo_stderr && level == level_error) {
+        write_short_form(level, code);
+    }
+    if (logger->echo_stdout) {
+        write_long_form(level, code);
+    }
+    if (level > level_debug) {
+        drop_pending();
+    }
+    if (level == level_error && (logger->on_fatal == nullptr || logger->on_fatal(1) == 0)) {
+        log_finish();
+        std::exit(1);
+    }
+}
+
+void log_warning(int code, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    log_message(level_warning, code, format, arguments, false);
+    va_end(arguments);
+}
+
+void log_finish() {
+    if (!logger) {
+        return;
+    }
+    if (!log_is_open()) {
+        log_open();
+    }
+    drop_pending();
+    if (std::FILE* const out = logger->stream.get()) {
+        const std::time_t now = std::time(nullptr);
+        std::tm local{};
+        char text[64] = "";
+        localtime_r(&now, &local);
+        asctime_r(&local, text);
+        std::fprintf(out, "\n\tFinish Time: %s\n", text);
+        std::fputs("</logfile>\n", out);
+        std::fflush(out);
+    }
+    logger.reset();
+}
+
+}  // namespace kzb

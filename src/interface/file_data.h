@@ -1,0 +1,31 @@
+// What the file offers beside the machine's main tables: iron loss and user copper loss data.
+#pragma once
+
+#include "interface/model_dispatch.h"
+
+namespace kzb {
+
+inline bool has_loss_table(const KZB_CALC& handle) {
+    return has_parameter(*handle.store, "loss_table", "iron_loss");
+}
+
+inline bool has_user_copperloss(const KZB_CALC& handle) {
+    return has_parameter(*handle.store, "equivalent_resistance_table", "copper_loss");
+}
+
+// Whether the file has iron loss data for its motor type.
+inline bool has_ironloss(const KZB_CALC& handle) {
+    const KZB_STORE& store = *handle.store;
+    if (serves(handle, rotary_pm | wound_field) &&
+        (has_category(store, "hysloss") || has_category(store, "eddyloss"))) {
+        return true;
+    }
+    return serves(handle, rotary_pm | induction) && has_loss_table(handle);
+}
+
+// Whether a loss that depends on the supply (DC voltage, carrier frequency) is in use.
+inline bool supply_in_use(const KZB_CALC& handle, bool user_copperloss_on, bool ironloss_on) {
+    return (has_user_copperloss(handle) && user_copperloss_on) || (has_loss_table(handle) && ironloss_on);
+}
+
+}  // namespace kzb

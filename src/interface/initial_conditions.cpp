@@ -1,0 +1,69 @@
+// Exported calls: initial conditions and resistance.
+#include <numbers>
+
+#include "KZBCalculator/kzbcalc.h"
+#include "interface/port_calls.h"
+#include "interface/value_calls.h"
+
+using namespace kzb;
+
+namespace {
+
+constexpr MotorSet all_but_generic = ~generic;
+
+// Degrees become radians also for the linear solenoid, whose displacement is metres, as established.
+double initial_position_of(const MotorType& type, double displacement) {
+    switch (type.initial_travel) {
+        case Travel::degrees:
+            return displacement / 180 * std::numbers::pi;
+        case Travel::metres:
+            return displacement;
+        default:
+            return 0.0;
+    }
+}
+
+}  // namespace
+
+int kzbcalcSetInitialCurrent(int phase, double current, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&]() -> int {
+        if (!has_model(handle)) {
+            return status_not_applicable;
+        }
+        if (serves(*handle, generic)) {
+            return 0;  // ignored, as established
+        }
+        const int status = phase_status(handle, phase);
+        if (status != 0) {
+            return status;
+        }
+        return with_model(handle, all_but_generic, 0,
+                          [&](Calc_Eq& model) { model.set_initial_current(phase, current); });
+    });
+}
+
+int kzbcalcSetInitialDisplacement(double displacement, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&]() -> int {
+        if (!has_model(handle) || serves(*handle, generic)) {
+            return status_not_applicable;
+        }
+        const double position = initial_position_of(*handle->type, displacement);
+        handle->initial_displacement[0] = position;
+        with_model(handle, rotary_pm, 0, [&](Calc_Eq& model) {
+            if (model.application() == flux_integral) {
+                model.set_position(position);
+            }
+        });
+        return 0;
+    });
+}
+
+int kzbcalcSetInitialTime(double time, KZB_CALC* handle) {
+    return set_value(handle, time, not_negative(status_time), all_but_generic, no_type_first,
+                     [=](Calc_Eq& model) { model.set_initial_time(time); });
+}
+
+int kzbcalcSetResistance(double resistance, KZB_CALC* handle) {
+    return set_value(handle, resistance, above_zero(status_resistance), all_but_generic, no_type_first,
+                     [=](Calc_Eq& model) { model.set_resistance_base(resistance); });
+}

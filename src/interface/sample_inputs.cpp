@@ -1,0 +1,151 @@
+// Exported calls of one sample: binding, inputs, step, acceptance.
+#include <numbers>
+
+#include "KZBCalculator/kzbcalc.h"
+#include "diagnostics/guard.h"
+#include "interface/port_calls.h"
+
+using namespace kzb;
+
+namespace {
+
+constexpr std::size_t flux_components = 3;
+
+// Inside, positions are radians or metres, counted from the initial displacement.
+double position_of(const KZB_CALC& handle, double displacement) {
+    if (handle.type->travel == Travel::degrees) {
+        return displacement / 180 * std::numbers::pi + handle.initial_displacement[0];
+    }
+    return displacement + handle.initial_displacement[0];
+}
+
+void bind(KZB_CALC& handle, Calc_Eq& model) {
+    model.bind(*handle.store, handle.ironloss_flag);
+    model.set_user_copperloss_on(handle.user_copperloss_flag != 0);
+    // The first Execute at time 0.0 fills the elements; those of a state that has the length already stay.
+    if (model.application() == flux_integral && handle.state.size() != flux_components) {
+        handle.state.assign(flux_components, 0.0);
+    }
+}
+
+void integrate_flux(KZB_CALC& handle, Calc_Eq& model) {
+    if (handle.state.size() != flux_components) {
+        return;  // the data were never set
+    }
+    const std::vector<double>& v = handle.voltage;
+    const std::vector<double>& signal = handle.signal;
+    double* const state = handle.state.data();
+    if (handle.time > 0.0) {
+        double derivative[flux_components] = {};
+        model.flux_derivative(v[0], v[1], v[2], handle.displacement[0], handle.time, state, derivative,
+                              static_cast<int>(signal[0]), static_cast<int>(signal[1]), static_cast<int>(signal[2]));
+        for (std::size_t k = 0; k < flux_components; ++k) {
+            state[k] += (handle.time - handle.previous_time) * derivative[k];
+        }
+    }
+    model.flux_update(handle.time, handle.displacement[0], state);
+}
+
+void execute(KZB_CALC& handle, Calc_Eq& model) {
+    if (model.application() == flux_integral) {
+        integrate_flux(handle, model);
+        return;
+    }
+    const std::vector<double>& v = handle.voltage;
+    const std::vector<double>& signal = handle.signal;
+    int error = 0;
+    // Result and error number are dropped: a failed step shows as unchanged currents.
+    model.step(v[0], v[1], v[2], handle.displacement[0], handle.time, signal[0], signal[1], signal[2], error);
+}
+
+}  // namespace
+
+int kzbcalcSetData(KZB_CALC* handle) {
+    return guarded(0, [&] {
+        return with_model(handle, permanent_magnet, status_not_applicable, [&](Calc_Eq& model) {
+            read_lookup_switches(*handle->store);
+            bind(*handle, model);
+        });
+    });
+}
+
+int kzbcalcSetTime(double time, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&]() -> int {
+        if (!has_model(handle)) {
+            return status_not_applicable;
+        }
+        if (time < 0.0) {
+            return status_time;
+        }
+        with_model(handle, permanent_magnet, 0, [&](Calc_Eq& model) {
+            if (model.application() != flux_integral) {
+                model.set_time(time);
+            }
+        });
+        handle->previous_time = handle->time;
+        handle->time = time;
+        return 0;
+    });
+}
+
+int kzbcalcSetDisplacement(double displacement, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&]() -> int {
+        if (!has_model(handle) || handle->type->travel == Travel::none) {
+            return status_not_applicable;
+        }
+        const double position = position_of(*handle, displacement);
+        handle->displacement[0] = position;
+        with_model(handle, permanent_magnet, 0, [&](Calc_Eq& model) {
+            if (handle->type->set == linear_pm || model.application() != flux_integral) {
+                model.set_position(position);
+            }
+        });
+        return 0;
+    });
+}
+
+int kzbcalcSetVoltage(int phase, double voltage, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&] {
+        const int status = phase_status(handle, phase);
+        if (status == 0) {
+            handle->voltage[index_of(phase)] = voltage;
+        }
+        return status;
+    });
+}
+
+int kzbcalcSetCurrent(int phase, double current, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&] {
+        const int status = phase_status(handle, phase);
+        if (status != 0) {
+            return status;
+        }
+        return with_model(handle, permanent_magnet, status_not_applicable,
+                          [&](Calc_Eq& model) { model.set_current(phase, current); });
+    });
+}
+
+int kzbcalcSetSignal(int phase, int signal, KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&] {
+        const int status = phase_status(handle, phase);
+        if (status == 0) {
+            handle->signal[index_of(phase)] = static_cast<double>(signal);
+        }
+        return status;
+    });
+}
+
+int kzbcalcExecute(KZB_CALC* handle) {
+    return guarded(0, [&] {
+        return with_model(handle, permanent_magnet, 0, [&](Calc_Eq& model) {
+            read_lookup_switches(*handle->store);
+            execute(*handle, model);
+        });
+    });
+}
+
+int kzbcalcUpdate(KZB_CALC* handle) {
+    return guarded(status_not_applicable, [&] {
+        return with_model(handle, permanent_magnet, status_not_applicable, [](Calc_Eq& model) { model.accept(); });
+    });
+}

@@ -1,0 +1,152 @@
+// "Spline": every axis is splined along full grid lines, axis 0 first.
+//
+// Lines are taken eight at a time, side by side along the last axis that is splined: a strip of columns is reduced over
+// axis 0, these strips over axis 1, and so on, so that scratch is needed for one strip per axis and not for the table.
+// What depends on the nodes and the query alone is formed once per axis. An axis on which the point lies on a node, or
+// outside, selects one slab, and the rest of the table is not read.
+#include <algorithm>
+#include <cstring>
+
+#include "table/axis_search.h"
+#include "table/kernels.h"
+#include "table/node_search.h"
+#include "table/scratch.h"
+#include "table/spline_axis.h"
+#include "table/straight_lookup.h"
+
+namespace kzb {
+
+namespace {
+
+constexpr int most_axes = 31;  // of two rows or more in a table of int size
+
+struct WholePlan {
+    const double* base = nullptr;
+    int active = 0;
+    SplineAxis axis[most_axes];
+};
+
+enum class Role { refused, selects, active };
+
+// What an axis does to its lines, by the rules of the one-dimensional spline.
+Role role_of(const double* nodes, int rows, double x, int& entry, int& status) {
+    const int hit = node_hit(rows, nodes, x);
+    entry = std::max(hit, 0);
+    if (hit >= 0) {
+        return Role::selects;
+    }
+    if (x > nodes[0] - KZB_AXIS_TOL && nodes[rows - 1] + KZB_AXIS_TOL > x) {
+        // Two rows that fall together depend on the values.
+        const bool ordinary = rows >= 3 || (rows == 2 && !(nodes[1] - nodes[0] < KZB_AXIS_TOL));
+        return ordinary ? Role::active : Role::refused;
+    }
+    if (nodes[0] > x) {
+        status = lookup_below_range;
+        return Role::selects;
+    }
+    if (x > nodes[rows - 1]) {
+        status = lookup_above_range;
+        entry = rows - 1;
+        return Role::selects;
+    }
+    return Role::refused;
+}
+
+// Strip of `lanes` columns from p on, with the axes 0 .. level reduced.
+void reduce_strip(const WholePlan& plan, int level, const double* p, int column_stride, int lanes, double* out) {
+    const SplineAxis& axis = plan.axis[level];
+    double* row = axis.strip;
+    for (int i = 0; i < axis.rows; ++i, row += strip_width) {
+        const double* from = p + std::ptrdiff_t{i} * axis.stride;
+        if (level > 0) {
+            reduce_strip(plan, level - 1, from, column_stride, lanes, row);
+            continue;
+        }
+        for (int k = 0; k < strip_width; ++k) {
+            // Lanes behind the last column repeat it.
+            row[k] = from[std::ptrdiff_t{std::min(k, lanes - 1)} * column_stride];
+        }
+    }
+    spline_strip(axis, out);
+}
+
+double evaluate(WholePlan& plan, double* scratch) {
+    const SplineAxis& last = plan.axis[plan.active - 1];
+    double* line = scratch;
+    if (plan.active == 1) {
+        for (int i = 0; i < last.rows; ++i) {
+            line[i] = plan.base[std::ptrdiff_t{i} * last.stride];
+        }
+    } else {
+        for (int c = 0; c < last.rows; c += strip_width) {
+            const int lanes = std::min(strip_width, last.rows - c);
+            double out[strip_width];
+            reduce_strip(plan, plan.active - 2, plan.base + std::ptrdiff_t{c} * last.stride, last.stride, lanes, out);
+            std::memcpy(line + c, out, static_cast<std::size_t>(lanes) * sizeof(double));
+        }
+    }
+    int status = 0;
+    double uncounted[timing_slots] = {};
+    return global_spline(last.nodes, line, last.rows, last.x, status, last.cyclic, uncounted);
+}
+
+std::size_t scratch_size(const WholePlan& plan) {
+    std::size_t size = 0;
+    for (int k = 0; k < plan.active; ++k) {
+        size += spline_axis_scratch(plan.axis[k].rows);
+    }
+    return size;
+}
+
+}  // namespace
+
+bool straight_spline(const KZB_TABLE& table, const double* coordinates, StraightResult& out, double* timing) {
+    if (!is_whole(table)) {
+        return false;
+    }
+    WholePlan plan;
+    plan.base = table.values.data();
+    double lines = table.total;
+    double linear_calls = 0.0;
+    for (std::size_t a = 0; a < table.axes.size(); ++a) {
+        const double* nodes = table.axes[a].data();
+        const int rows = table.sizes[a];
+        double x = coordinates[a];
+        if (nodes == nullptr || !wrap_quietly(nodes, rows, table.cyclic[a], x)) {
+            return false;
+        }
+        lines /= rows;
+        int entry = 0;
+        switch (role_of(nodes, rows, x, entry, out.status)) {
+            case Role::refused:
+                return false;
+            case Role::selects:
+                plan.base += std::ptrdiff_t{entry} * table.strides[a];
+                break;
+            case Role::active:
+                plan.axis[plan.active++] = SplineAxis{nodes, rows, table.strides[a], table.cyclic[a], x};
+                linear_calls += rows == 2 ? lines : 0.0;
+                break;
+        }
+    }
+    if (plan.active == 0) {
+        out.value = *plan.base;
+    } else {
+        Scratch<8192> scratch;
+        double* memory = scratch.take(scratch_size(plan));
+        if (memory == nullptr) {
+            return false;
+        }
+        double* line = memory;
+        memory += spline_axis_scratch(plan.axis[plan.active - 1].rows);
+        for (int k = 0; k + 1 < plan.active; ++k) {
+            prepare_spline_axis(plan.axis[k], memory);
+            memory += spline_axis_scratch(plan.axis[k].rows);
+        }
+        out.value = evaluate(plan, line);
+    }
+    timing[slot_linear_calls] += linear_calls;
+    return true;
+}
+
+}  // namespace kzb

@@ -1,0 +1,152 @@
+// A sample takes nothing from the heap once a run has had its first samples, in every application.
+//
+// The allocation calls of the C library are replaced by counting ones for the whole program, the shared library
+// included.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+
+#include "interface/model_file.h"
+
+// A sanitizer brings its own allocator: nothing to replace there.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KZB_COUNTS_ALLOCATIONS 0
+#else
+#define KZB_COUNTS_ALLOCATIONS 1
+#endif
+
+namespace {
+
+std::atomic<long> allocations{0};
+
+}  // namespace
+
+#if KZB_COUNTS_ALLOCATIONS
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+
+void* malloc(std::size_t size) {
+    ++allocations;
+    return __libc_malloc(size);
+}
+void* calloc(std::size_t count, std::size_t size) {
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+void* realloc(void* block, std::size_t size) {
+    ++allocations;
+    return __libc_realloc(block, size);
+}
+void* aligned_alloc(std::size_t alignment, std::size_t size) {
+    ++allocations;
+    return __libc_memalign(alignment, size);
+}
+void free(void* block) {
+    __libc_free(block);
+}
+}
+#endif
+
+namespace {
+
+using namespace kzb_test;
+
+double run_sample(KZB_CALC* calc, int k) {
+    double sum = 0.0;
+    kzbcalcSetTime(1e-4 * k, calc);
+    kzbcalcSetDisplacement(0.3 * k, calc);
+    for (int phase = 1; phase <= 3; ++phase) {
+        kzbcalcSetVoltage(phase, 20.0 * std::cos(0.2 * k - 2.0 * phase), calc);
+        kzbcalcSetSignal(phase, 1, calc);
+    }
+    kzbcalcExecute(calc);
+    for (int phase = 1; phase <= 3; ++phase) {
+        sum += kzbcalcGetCurrent(phase, calc) + kzbcalcGetVoltage(phase, calc) + kzbcalcGetInducedVoltage(phase, calc) +
+               kzbcalcGetCoilFlux(phase, calc) + kzbcalcGetMagFlux(phase, calc) + kzbcalcGetInductance(phase, 1, calc);
+    }
+    sum += kzbcalcGetTorque(calc) + kzbcalcGetForce(calc) + kzbcalcGetDAxisInductance(calc) +
+           kzbcalcGetQAxisInductance(calc) + kzbcalcGetResistance(calc) + kzbcalcGetCopperloss(calc) +
+           kzbcalcGetIronloss(calc) + kzbcalcGetEddyloss(calc) + kzbcalcGetHysteresisloss(calc) +
+           kzbcalcGetUserCopperLoss(calc) + kzbcalcGetUserSpecifiedParameter(1, calc);
+    kzbcalcUpdate(calc);
+    return sum;
+}
+
+void expect_no_allocation(ModelFile& file, const char* interpolation_and_application, int interpolation) {
+    SCOPED_TRACE(interpolation_and_application);
+    Calculator calc(file);
+    ASSERT_EQ(calc.status, 0);
+    ASSERT_EQ(kzbcalcSetInterpolationType(interpolation, calc), 0);
+    kzbcalcSetIronlossCalc(calc);
+    kzbcalcSetUserCopperlossCalc(calc);
+    kzbcalcSetData(calc);
+    int k = 0;
+    for (; k < 3; ++k) {
+        run_sample(calc, k);
+    }
+    const long before = allocations;
+    double sum = 0.0;
+    for (; k < 53; ++k) {
+        sum += run_sample(calc, k);
+    }
+    const long after = allocations;
+    EXPECT_EQ(after, before);
+    EXPECT_NE(sum, 0.0);
+}
+
+void add_losses(ModelFile& file) {
+    const Point rpm{0.0, 1e6}, volts{0.0, 1000.0}, hertz{0.0, 1e5};
+    file.table("loss_table", "iron_loss", {currents, betas, rpm, volts, hertz}, constant(5.0))
+        .table("equivalent_resistance_table", "copper_loss", {currents, betas, rpm, volts, hertz}, constant(0.1));
+}
+
+TEST(Allocation, counter_sees_the_heap) {
+    const long before = allocations;
+    delete new volatile int(1);
+    EXPECT_EQ(allocations - before, KZB_COUNTS_ALLOCATIONS);
+}
+
+TEST(Allocation, sample_of_every_application_allocates_nothing) {
+    for (const int interpolation : {0, 1, 2, 3, 4}) {
+        SCOPED_TRACE(interpolation);
+        ModelFile ld_lq;
+        rotary_frame(ld_lq, 1, 0.5);
+        add_ld_lq(ld_lq, 2e-3, 3e-3, 0.1);
+        add_losses(ld_lq);
+        expect_no_allocation(ld_lq, "LdLq", interpolation);
+
+        ModelFile simple;
+        rotary_frame(simple, 2, 0.5);
+        add_simple_harmonic(simple, 4e-3, -1e-3, 0.1, 1.0);
+        add_losses(simple);
+        expect_no_allocation(simple, "SimpleHarmonic", interpolation);
+
+        ModelFile harmonic;
+        rotary_frame(harmonic, 3, 0.5);
+        add_harmonic(harmonic, 4e-3, -1e-3, 0.1, 1.0);
+        add_losses(harmonic);
+        harmonic.integer("num_user_specified_parameter", "num_user_specified_parameter", 1)
+            .integer("user_specified_parameter1", "table_id", 1)
+            .integer("user_specified_parameter1", "output_port_id", 1)
+            .table("user_specified_parameter_table", "user_specified_parameter_table1",
+                   {currents, betas, every(5.0, 0.0, 180.0)}, constant(7.0), {3});
+        expect_no_allocation(harmonic, "Harmonic", interpolation);
+
+        ModelFile flux_integral;
+        rotary_frame(flux_integral, 5, 0.5);
+        add_flux_integral(flux_integral, 4e-3, 0.1, 1.0);
+        add_losses(flux_integral);
+        expect_no_allocation(flux_integral, "FluxIntegralDQTheta", interpolation);
+
+        ModelFile linear;
+        linear_machine(linear, 4e-3, -1e-3, 0.1, 0.5);
+        expect_no_allocation(linear, "LinearSynchronous", interpolation);
+    }
+}
+
+}  // namespace

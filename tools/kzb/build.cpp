@@ -1,0 +1,238 @@
+#include "kzb/build.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "fmt/format.h"
+#include "fmt/ranges.h"
+#include "kzb/build_columns.h"
+#include "kzb/command.h"
+#include "kzb/console.h"
+#include "kzb/csv_table.h"
+#include "kzb/text.h"
+
+namespace kzb::tool {
+
+namespace {
+
+// What the command line gives in words.
+struct Words {
+    PmsmOptions pmsm;
+    std::vector<std::string> applications{"Harmonic"};
+    std::vector<std::string> columns;
+    std::vector<std::string> information;
+    double position_step = 5.0;
+    bool json = false;
+};
+
+CLI::Validator number_in(double low, double high, const std::string& wording) {
+    return CLI::Validator(
+        [=](const std::string& text) {
+            const auto value = finite_number(text);
+            return value && *value >= low && *value <= high ? std::string()
+                                                            : fmt::format("\"{}\": expected {}", text, wording);
+        },
+        "");
+}
+
+constexpr double huge = 1e12;
+const CLI::Validator not_negative = number_in(0.0, huge, "a number of 0 or more");
+const CLI::Validator positive = number_in(1e-12, huge, "a number above 0");
+const CLI::Validator any_number = number_in(-huge, huge, "a number");
+
+std::pair<std::string, std::string> split_assignment(const std::string& option, const std::string& text,
+                                                     const char* expected) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
+        throw Failure(exit_usage, fmt::format("{} {}: expected {}", option, printable_line(text), expected));
+    }
+    return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+// Each application once.
+void read_applications(Words& words) {
+    using enum Application;
+    std::vector<Application>& wanted = words.pmsm.model.applications;
+    wanted.clear();
+    for (const Application application : {LdLq, SimpleHarmonic, Harmonic, FluxIntegralDQTheta}) {
+        const auto& names = words.applications;
+        if (std::find(names.begin(), names.end(), name_of(application)) != names.end()) {
+            wanted.push_back(application);
+        }
+    }
+    static_cast<void>(accuracy_type_of(wanted));  // refuses a set that one file cannot serve
+}
+
+void read_columns(Words& words) {
+    for (const std::string& text : words.columns) {
+        const auto [quantity, header] = split_assignment("--column", text, "QUANTITY=HEADER or QUANTITY=HEADER:UNIT");
+        if (!is_quantity(quantity)) {
+            throw Failure(exit_usage, fmt::format("--column {}: unknown quantity \"{}\", expected one of {}",
+                                                  printable_line(text), printable_line(quantity), quantity_names()));
+        }
+        words.pmsm.source.columns[quantity] = header;
+    }
+}
+
+void read_information(Words& words) {
+    for (const std::string& text : words.information) {
+        const auto [key, value] = split_assignment("--info", text, "KEY=NUMBER");
+        const auto& keys = information_keys();
+        if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
+            throw Failure(exit_usage, fmt::format("--info {}: unknown key \"{}\", expected one of {}",
+                                                  printable_line(text), printable_line(key), fmt::join(keys, ", ")));
+        }
+        const auto number = finite_number(value);
+        if (!number) {
+            throw Failure(exit_usage, fmt::format("--info {}: \"{}\" is not a number", printable_line(text),
+                                                  printable_line(value)));
+        }
+        words.pmsm.model.information[key] = *number;
+    }
+}
+
+// Whole number of steps in `range`, which the grid needs to hold its ends and quarters.
+std::size_t whole_steps(const char* option, double range, double step) {
+    const double steps = std::round(range / step);
+    if (steps < 1.0 || std::fabs(steps * step - range) > 1e-9 * range) {
+        throw Failure(exit_usage, fmt::format("{} {:g}: expected a whole part of {:g} degrees", option, step, range));
+    }
+    return static_cast<std::size_t>(steps);
+}
+
+void complete(Words& words) {
+    read_applications(words);
+    read_columns(words);
+    read_information(words);
+    PmsmOptions& options = words.pmsm;
+    if (options.model.number_of_poles % 2 != 0) {
+        throw Failure(exit_usage, fmt::format("--poles {}: expected an even number", options.model.number_of_poles));
+    }
+    static_cast<void>(whole_steps("--phase-step", 90.0, options.grids.phase_step));
+    options.machine.position_count = whole_steps("--position-step", 360.0, words.position_step);
+    std::error_code ignored;
+    if (std::filesystem::equivalent(options.map_path, options.out_path, ignored)) {
+        throw Failure(exit_usage, fmt::format("--out {}: is the map itself, expected another file", options.out_path));
+    }
+    const std::string stem = std::filesystem::path(options.map_path).filename().string();
+    options.model.input_file_name = stem;
+    if (options.model.title.empty()) {
+        options.model.title = stem;
+    }
+}
+
+void run(Words words, const Context& context) {
+    complete(words);
+    const PmsmOptions& options = words.pmsm;
+    const PmsmBuild build = build_pmsm(options);
+    for (const std::string& note : build.notes) {
+        tell("note: " + note);
+    }
+    const StorePointer written = write_model(build.model.store.get(), options.out_path);
+    const std::vector<DeviationReport> reports = compare_pmsm(written.get(), build, options);
+    context.print(words.json ? json_account(options, build, reports).dump(2) + "\n"
+                             : text_account(options, build, reports));
+}
+
+// An option whose words stand for values.
+template <class Value>
+CLI::Option* add_choice(CLI::App& app, const char* name, Value& value, const std::map<std::string, Value>& choices,
+                        const std::string& help) {
+    std::vector<std::string> words;
+    for (const auto& [word, ignored] : choices) {
+        words.push_back(word);
+    }
+    return app
+        .add_option_function<std::string>(
+            name, [&value, choices](const std::string& word) { value = choices.at(word); }, help)
+        ->check(CLI::IsMember(words));
+}
+
+void add_file_options(CLI::App& app, Words& words) {
+    app.add_option("map", words.pmsm.map_path,
+                   "Flux map: CSV with id, iq, psi_d, psi_q and, if known, theta_e, psi_0, "
+                   "torque")
+        ->required();
+    app.add_option("-o,--out", words.pmsm.out_path, "KZB file to write")->required();
+    app.add_option("--column", words.columns,
+                   "QUANTITY=HEADER[:UNIT]: the column of a quantity (" + quantity_names() + ")");
+    add_choice<DqFrame>(
+        app, "--frame", words.pmsm.source.frame,
+        {{"peak", DqFrame::amplitude_peak}, {"rms", DqFrame::amplitude_rms}, {"power", DqFrame::power_invariant}},
+        "dq quantities of the map: peak or rms of the phase, or power-invariant [peak]");
+    app.add_flag("--json", words.json, "Account as JSON");
+}
+
+void add_machine_options(CLI::App& app, Words& words) {
+    ModelOptions& model = words.pmsm.model;
+    app.add_option("-a,--application", words.applications,
+                   "LdLq, SimpleHarmonic, Harmonic, FluxIntegralDQTheta, or several with commas [Harmonic]")
+        ->delimiter(',')
+        ->check(CLI::IsMember({"LdLq", "SimpleHarmonic", "Harmonic", "FluxIntegralDQTheta"}));
+    app.add_option("--poles", model.number_of_poles, "Number of poles")
+        ->required()
+        ->check(number_in(2, 1000, "an even number from 2 to 1000"));
+    app.add_option("--resistance", model.resistance, "Resistance of a winding, ohm")->required()->check(not_negative);
+    app.add_option("--leakage", model.leakage_inductance, "Leakage inductance of a winding beside the map, H [0]")
+        ->check(not_negative);
+    add_choice<int>(app, "--connection", model.connection, {{"star", 0}, {"delta", 1}}, "star or delta [star]");
+    app.add_option("--turns", model.turns_in_coil, "Turns in a coil, for turn corrections [not told]")->check(positive);
+    app.add_option("--beta-zero", words.pmsm.machine.beta_zero,
+                   "Electrical degrees of the d axis at position 0 of the tables [0]")
+        ->check(number_in(-360.0, 360.0, "degrees from -360 to 360"));
+    app.add_option("--zero-inductance", model.tables.zero_inductance,
+                   "Inductance of the current common to all windings, H [0]")
+        ->check(not_negative);
+    app.add_option("--base-coil-temperature", model.base_coil_temperature, "Temperature of the resistance, K")
+        ->check(positive);
+    app.add_option("--base-magnet-temperature", model.base_magnet_temperature, "Magnet temperature of the map, K")
+        ->check(positive);
+    app.add_option("--title", model.title, "Title of the model [name of the map]");
+    app.add_option("--preparer", model.preparer, "Preparer of the model");
+    app.add_option("--info", words.information,
+                   fmt::format("KEY=NUMBER: rated data ({})", fmt::join(information_keys(), ", ")));
+}
+
+void add_grid_options(CLI::App& app, Words& words) {
+    GridOptions& grids = words.pmsm.grids;
+    add_choice<Mirror>(app, "--mirror", words.pmsm.machine.mirror, {{"none", Mirror::none}, {"iq", Mirror::iq}},
+                       "iq: q currents below zero by mirror symmetry about the d axis [none]");
+    add_choice<Outside>(app, "--outside", grids.outside,
+                        {{"extrapolate", Outside::extrapolate}, {"limit", Outside::limit}},
+                        "Directions of current that the map lacks: extrapolate it linearly, or limit the phase axis "
+                        "[extrapolate]");
+    app.add_option("--current-max", grids.current_max, "Largest amplitude, A peak [largest circle inside the map]")
+        ->check(positive);
+    app.add_option("--amplitude-nodes", grids.amplitude_nodes, "Nodes over amplitude, 0 included [17]")
+        ->check(number_in(2, 2000, "a whole number from 2 to 2000"));
+    app.add_option("--phase-step", grids.phase_step, "Degrees, a whole part of 90 [7.5]")
+        ->check(number_in(0.01, 90.0, "degrees from 0.01 to 90"));
+    app.add_option("--position-step", words.position_step, "Electrical degrees, a whole part of 360 [5]")
+        ->check(number_in(0.01, 60.0, "degrees from 0.01 to 60"));
+    app.add_option("--flux-nodes", grids.flux_nodes, "Nodes over flux d and q of FluxIntegralDQTheta [51]")
+        ->check(number_in(2, 2000, "a whole number from 2 to 2000"));
+    app.add_option("--interpolation", words.pmsm.method,
+                   "Scheme of the comparison with the map: Linear, Cubic, Spline4, Spline6, Spline [Linear]")
+        ->check(CLI::IsMember({"Linear", "Cubic", "Spline4", "Spline6", "Spline"}));
+}
+
+}  // namespace
+
+void add_build(CLI::App& app, Context& context) {
+    CLI::App* build = app.add_subcommand("build", "Makes a KZB model");
+    build->require_subcommand(1);
+    CLI::App* pmsm = build->add_subcommand("pmsm", "Makes a permanent-magnet synchronous machine from a flux map");
+    const auto words = std::make_shared<Words>();
+    add_file_options(*pmsm, *words);
+    add_machine_options(*pmsm, *words);
+    add_grid_options(*pmsm, *words);
+    pmsm->callback([words, &context] { context.action = [words, &context] { run(*words, context); }; });
+}
+
+}  // namespace kzb::tool

@@ -1,0 +1,16 @@
+// JSON for programs that read the command line: keys in the order of insertion, always valid UTF-8.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace kzb::tool {
+
+using Json = nlohmann::ordered_json;
+
+// One document, indented, with a line end. A number that is not finite appears as null.
+inline std::string json_text(const Json& document) {
+    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+}  // namespace kzb::tool

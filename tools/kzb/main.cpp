@@ -1,0 +1,120 @@
+// kzb: looks into KZB files, converts, builds, plots and runs them.
+//
+// Results on stdout, messages and progress on stderr. Exit codes: 0 done, 1 the run failed, 2 wrong usage, 3 a file
+// cannot be read or is not valid.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <clocale>
+#include <exception>
+#include <sstream>
+#include <string>
+
+#include "KZBCalculator/kzb_store.h"
+#include "KZBCalculator/kzbcalc.h"
+#include "fmt/format.h"
+#include "kzb/command.h"
+#include "kzb/console.h"
+#include "kzb/text.h"
+
+namespace kzb::tool {
+namespace {
+
+// The caller's stdout, kept aside; file descriptor 1 leads to stderr from here on.
+std::FILE* keep_results_aside() {
+    std::fflush(stdout);
+    const int kept = dup(STDOUT_FILENO);
+    if (kept < 0) {
+        return nullptr;  // started without a stdout
+    }
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    return fdopen(kept, "w");
+}
+
+// CLI11 words its errors over several lines at times; a user gets one.
+std::string one_line(const std::string& text) {
+    std::string line = printable_line(text);
+    while (!line.empty() && line.back() == ' ') {
+        line.pop_back();
+    }
+    return line;
+}
+
+std::string deepest_command(const CLI::App& app) {
+    std::string name = app.get_name();
+    for (const CLI::App* sub : app.get_subcommands()) {
+        name += ' ' + deepest_command(*sub);
+    }
+    return name;
+}
+
+std::string names_of_subcommands(const CLI::App& app) {
+    std::string names;
+    for (const CLI::App* sub : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names += (names.empty() ? "" : ", ") + sub->get_name();
+    }
+    return names;
+}
+
+int parse(CLI::App& app, int argc, char** argv, const Context& context) {
+    try {
+        app.parse(argc, argv);
+        return -1;
+    } catch (const CLI::ParseError& e) {
+        if (e.get_exit_code() == 0) {  // help or version was asked for
+            std::ostringstream out;
+            std::ostringstream err;
+            app.exit(e, out, err);
+            context.print(out.str());
+            return exit_done;
+        }
+        const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands().empty();
+        tell_error(unknown ? fmt::format("no subcommand \"{}\", expected one of {} (see kzb --help)",
+                                         printable_line(argv[1]), names_of_subcommands(app))
+                           : fmt::format("{} (see {} --help)", one_line(e.what()), deepest_command(app)));
+        return exit_usage;
+    }
+}
+
+int run_command_line(int argc, char** argv) {
+    Context context;
+    context.results = keep_results_aside();
+
+    CLI::App app{"Looks into KZB files of electric machines, converts, builds, plots and runs them.", "kzb"};
+    app.set_version_flag("--version",
+                         fmt::format("kzb {} (file handler {})", kzbcalcVersion(), kzb_get_filehandler_version()));
+    app.require_subcommand(1);
+    app.footer("Exit codes: 0 done, 1 the run failed, 2 wrong usage, 3 a file cannot be read or is not valid.");
+    add_info(app, context);
+    add_convert(app, context);
+    add_plot(app, context);
+    add_run(app, context);
+#ifdef KZB_HAS_BUILD
+    add_build(app, context);
+#endif
+
+    const int parsed = parse(app, argc, argv, context);
+    if (parsed >= 0) {
+        return parsed;
+    }
+    context.action();
+    if (context.results != nullptr && std::fclose(context.results) != 0) {
+        throw Failure(exit_run_failed, "standard output: could not be written whole");
+    }
+    return exit_done;
+}
+
+}  // namespace
+}  // namespace kzb::tool
+
+int main(int argc, char** argv) {
+    try {
+        return kzb::tool::run_command_line(argc, argv);
+    } catch (const kzb::tool::Failure& failure) {
+        kzb::tool::tell_error(failure.what());
+        return failure.code;
+    } catch (const std::exception& e) {
+        kzb::tool::tell_error(e.what());
+        return kzb::tool::exit_run_failed;
+    }
+}
