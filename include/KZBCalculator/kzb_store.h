@@ -11,9 +11,12 @@
  * Errors:   a failure is the call's own result; some also leave a code (9xxxx, 8xxxx) that kzb_has_error returns and
  *           kzb_reset_error clears. Faults of a single index print to standard error and leave no code.
  * Texts:    a returned text points into the store; it dies with the store or with the next insertion into the same
- *           list. Never free it. String values read from a file are Shift_JIS.
+ *           list. Never free it. It may be handed to any call on the same store. String values read from a file are
+ *           Shift_JIS.
  * Threads:  one thread per handle at a time; handles are independent.
- * Cost:     names are found through an index, not by scanning; only calls that insert allocate.
+ * Cost:     names are found through an index, not by scanning. Queries and repeated lookups of categories do not
+ *           allocate; calls that read, insert or transform do, and so do the subcategory calls, which put the name of
+ *           their category together.
  */
 #ifndef KZBCALCULATOR_KZB_STORE_H
 #define KZBCALCULATOR_KZB_STORE_H
@@ -57,11 +60,15 @@ KZB_API void kzb_initialize(KZB_STORE** out);
  *
  * @param[in] path    file; read as text of the host's file names.
  * @param[in] handle  store; categories already there are added to.
- * @return    0, or 1: the file could not be opened (error 90001), its head is wrong (90009) or unknown (90001), or its
- *            end mark is missing. What was read so far stays.
+ * @return    0, or 1: the file could not be opened (error 90001), its head is wrong (90009) or unknown (90001), a
+ *            category name or a keyword of the binary form has 256 bytes or more (90009), memory ran out, or the end
+ *            mark is missing. What was read so far stays. A faulty entry of the ascii form leaves 90005 and reading goes
+ *            on.
  *
  * The environment variable KZB_READING_ASCII, when set, decides the form: a number above 0 is ascii, else binary.
- * A file with `control`/`incomplete` raises the warning 90033.
+ * A file with `control`/`incomplete` raises the warning 90033. Lines of the ascii form may end in "\r\n".
+ * The store loads tables from the file read last: tables of a file read before under another path, or in the other form,
+ * that are not loaded by then stay empty placeholders. Load them with kzb_set_application first.
  */
 KZB_API int kzb_reader(const char* path, KZB_STORE* handle);
 
@@ -284,6 +291,9 @@ KZB_API KZB_INFORMATION kzb_get_application(KZB_STORE* handle, int index);
  * Selects an application and loads the bodies of the tables that it needs from the file.
  * @param[in] motor        motor word, or "ALL" for every table.
  * @param[in] application  model word; null keeps the earlier one.
+ *
+ * A file that cannot be opened any more leaves error 90001 and "file reading error" on standard output. A table whose
+ * body finds no memory ("memory allocation error" on standard error) stays as it was; a later call loads it.
  */
 KZB_API void kzb_set_application(const char* motor, const char* application, KZB_STORE* handle);
 /** Number of visible motor information rows. */

@@ -14,12 +14,15 @@ KZB_INFORMATION information_row(KZB_STORE* handle, kzb::InformationRows rows, in
 }
 
 // A transform that looks tables up: the environment counts once for the whole call.
-template <class Body>
-int transform(int absent, KZB_STORE* handle, Body&& body) {
-    return with_store(absent, handle, [&](KZB_STORE& store) {
-        kzb::read_lookup_switches(store);
-        return body(store);
-    });
+template <class Body, class... Texts>
+int transform(int absent, KZB_STORE* handle, Body&& body, const Texts*... texts) {
+    return with_store(
+        absent, handle,
+        [&](KZB_STORE& store) {
+            kzb::read_lookup_switches(store);
+            return body(store);
+        },
+        texts...);
 }
 
 }  // namespace
@@ -92,10 +95,12 @@ int kzb_make_LdLq(KZB_STORE* handle) {
 
 int kzb_apply_skew(int type_a, int type_b, double angle_a, double angle_b, int steps_a, int steps_b, const char* method,
                    KZB_STORE* handle) {
-    return transform(1, handle, [&](KZB_STORE& store) {
-        return kzb::apply_skew(type_a, type_b, angle_a, angle_b, steps_a, steps_b, method == nullptr ? "" : method,
-                               store);
-    });
+    return transform(
+        1, handle,
+        [&](KZB_STORE& store) {
+            return kzb::apply_skew(type_a, type_b, angle_a, angle_b, steps_a, steps_b, method, store);
+        },
+        method);
 }
 
 int kzb_expand_table_considering_phase_symmetry(KZB_STORE* handle) {

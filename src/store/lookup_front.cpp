@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ctime>
 #include <memory>
 #include <vector>
 
 #include "diagnostics/number_text.h"
-
-extern char** environ;
+#include "table/stopwatch.h"
 
 namespace kzb {
 
@@ -41,23 +39,6 @@ class Coordinates {
     double* data_ = small_.data();
 };
 
-// Adds the processor time of its scope to the statistics, where that is kept.
-class TotalTime {
-  public:
-    explicit TotalTime(KZB_STORE& store) : store_(store), start_(store.keep_time ? std::clock() : 0) {}
-    TotalTime(const TotalTime&) = delete;
-    TotalTime& operator=(const TotalTime&) = delete;
-    ~TotalTime() {
-        if (store_.keep_time) {
-            store_.timing[slot_total_elapsed] += static_cast<double>(std::clock() - start_) / 1000.0;
-        }
-    }
-
-  private:
-    KZB_STORE& store_;
-    std::clock_t start_;
-};
-
 double scheme_value(KZB_STORE& store, bool category_exists, const KZB_TABLE* table, Scheme scheme,
                     const double* coordinates) {
     double result = KZB_NO_VALUE;
@@ -85,40 +66,29 @@ void append_debug_line(const LookupNames& names, const double* coordinates, int 
     }
 }
 
-bool names_variable(const char* entry, std::string_view name) {
-    const std::string_view text(entry);
-    return text.size() > name.size() && text[name.size()] == '=' && text.starts_with(name);
-}
-
 }  // namespace
 
 void read_lookup_switches(KZB_STORE& store) {
-    bool generic = false;
-    bool debug = false;
-    if (environ != nullptr) {
-        // One walk for both names; most entries are passed over by their first two characters.
-        for (char** entry = environ; *entry != nullptr; ++entry) {
-            const char* text = *entry;
-            if (text[0] == 'K' && text[1] == 'Z') {
-                debug = debug || names_variable(text, "KZBFILEHANDLER_DEBUG_MODE");
-            } else if (text[0] == 'U' && text[1] == 'S') {
-                generic = generic || names_variable(text, "USE_GENERIC_INTERPOLATION");
-            }
-        }
-    }
-    store.switches.generic_path = generic;
-    store.debug_lines = debug;
+    store.environment.refresh();
+    store.switches.generic_path = store.environment.generic_path();
+    store.debug_lines = store.environment.debug_lines();
 }
 
 double look_up(KZB_STORE& store, const ResolvedTable& resolved, Scheme scheme, const LookupNames& names,
                const double* values, int count) {
-    const TotalTime time(store);
-    Coordinates coordinates(resolved.table, values, count);
-    double factor = 1.0;
-    if (resolved.fold.active && resolved.table != nullptr) {
-        factor = fold_coordinates(resolved.fold, *resolved.table, coordinates.data());
+    const KZB_TABLE* table = resolved.table;
+    if (table != nullptr && table->dim <= count && !resolved.fold.active && !store.debug_lines && !store.keep_time) {
+        // Nothing changes the coordinates: no copy is needed.
+        return scheme_value(store, true, table, scheme, values);
     }
-    const double result = scheme_value(store, resolved.category_exists, resolved.table, scheme, coordinates.data());
+    const ProcessWatch watch(store.keep_time);
+    Coordinates coordinates(table, values, count);
+    double factor = 1.0;
+    if (resolved.fold.active && table != nullptr) {
+        factor = fold_coordinates(resolved.fold, *table, coordinates.data());
+    }
+    const double result = scheme_value(store, resolved.category_exists, table, scheme, coordinates.data());
+    watch.add_to(store.timing[slot_total_elapsed]);
     if (store.debug_lines) {
         append_debug_line(names, coordinates.data(), coordinates.dim(), result);
     }
@@ -127,10 +97,12 @@ double look_up(KZB_STORE& store, const ResolvedTable& resolved, Scheme scheme, c
 
 double look_up_plain(KZB_STORE& store, const KZB_CATEGORY* category, const char* key, Scheme scheme,
                      const double* values) {
-    const TotalTime time(store);
+    const ProcessWatch watch(store.keep_time);
     const KZB_TABLE* table = category == nullptr ? nullptr : category->tables.find(key);
     Coordinates coordinates(table, values, table == nullptr ? 0 : table->dim);
-    return scheme_value(store, category != nullptr, table, scheme, coordinates.data());
+    const double result = scheme_value(store, category != nullptr, table, scheme, coordinates.data());
+    watch.add_to(store.timing[slot_total_elapsed]);
+    return result;
 }
 
 void TableRef::set(std::string category, std::string key) {

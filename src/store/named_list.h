@@ -43,7 +43,8 @@ class NamedList {
     }
     const Record* find(std::string_view keyword) const { return const_cast<NamedList*>(this)->find(keyword); }
 
-    // The record of that name, appended when absent.
+    // The record of that name, appended when absent. `keyword` may stand in this list: it is read no more once the list
+    // has grown.
     Record& require(std::string_view keyword) {
         if (Record* found = find(keyword)) {
             return *found;
@@ -52,7 +53,7 @@ class NamedList {
         record.keyword = keyword;
         records_.push_back(std::move(record));
         try {
-            index_.emplace(keyword, static_cast<std::uint32_t>(records_.size() - 1));
+            index_.emplace(records_.back().keyword, static_cast<std::uint32_t>(records_.size() - 1));
         } catch (...) {
             records_.pop_back();
             throw;

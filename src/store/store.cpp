@@ -12,12 +12,20 @@ bool is_name(std::string_view text) {
 }
 
 // Replaces or appends a parameter of the list that `list` names.
-template <class List, class Assign>
-int put(KZB_STORE& store, std::string_view category, std::string_view key, List list, Assign assign) {
+template <class List, class Value>
+int put(KZB_STORE& store, std::string_view category, std::string_view key, List list, const Value& value) {
     if (!is_name(category) || !is_name(key)) {
         return 1;
     }
-    assign((require_category(store, category)->*list).require(key).value);
+    KZB_CATEGORY* found = find_category(store, category);
+    if (auto* record = found == nullptr ? nullptr : (found->*list).find(key)) {
+        record->value = value;
+    } else {
+        // The texts may stand in this store, in a list that grows now.
+        const std::string own_key(key);
+        auto own_value = decltype(record->value)(value);
+        (require_category(store, category)->*list).require(own_key).value = std::move(own_value);
+    }
     ++store.revision;
     return 0;
 }
@@ -50,7 +58,8 @@ KZB_CATEGORY* require_category(KZB_STORE& store, std::string_view name) {
     category.name = name;
     store.categories.push_back(std::move(category));
     try {
-        store.category_index.emplace(name, static_cast<std::uint32_t>(store.categories.size() - 1));
+        store.category_index.emplace(store.categories.back().name,
+                                     static_cast<std::uint32_t>(store.categories.size() - 1));
     } catch (...) {
         store.categories.pop_back();
         throw;
@@ -85,16 +94,16 @@ const char* get_string(const KZB_STORE& store, std::string_view category, std::s
 }
 
 int put_int(KZB_STORE& store, std::string_view category, std::string_view key, int value) {
-    return put(store, category, key, &KZB_CATEGORY::ints, [value](int& held) { held = value; });
+    return put(store, category, key, &KZB_CATEGORY::ints, value);
 }
 
 int put_double(KZB_STORE& store, std::string_view category, std::string_view key, double value) {
-    return put(store, category, key, &KZB_CATEGORY::doubles, [value](double& held) { held = value; });
+    return put(store, category, key, &KZB_CATEGORY::doubles, value);
 }
 
 int put_string(KZB_STORE& store, std::string_view category, std::string_view key, std::string_view value) {
     // Assigning keeps the buffer where the new text fits: an earlier pointer then shows the new text.
-    return put(store, category, key, &KZB_CATEGORY::strings, [value](std::string& held) { held.assign(value); });
+    return put(store, category, key, &KZB_CATEGORY::strings, value);
 }
 
 }  // namespace kzb

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
+#include "store/environment_watch.h"
 #include "store/lookup_cache.h"
 #include "store/named_list.h"
 #include "table/lookup.h"
@@ -42,7 +43,8 @@ struct KZB_STORE {
     std::string child_name;  // result of kzb_get_child_subcategory_name
 
     std::uint64_t revision = 1;
-    bool keep_time = false;         // KZB_OUTPUT_ELAPSED_TIME stood in the environment at kzb_initialize
+    bool keep_time = false;  // KZB_OUTPUT_ELAPSED_TIME stood in the environment at kzb_initialize
+    kzb::EnvironmentWatch environment;
     kzb::LookupSwitches switches;   // read from the environment once per exported call
     bool debug_lines = false;       // KZBFILEHANDLER_DEBUG_MODE, likewise
     kzb::LookupCache lookup_cache;  // tables that the exported lookup resolved

@@ -35,9 +35,6 @@ KZB_TABLE* table_create_in_category(KZB_STORE& store, KZB_CATEGORY& category, st
     }
     ++store.revision;
     KZB_TABLE& table = category.tables.require(key);
-    table_free(table);
-    table.file_position = 0;
-    table.loaded = 0;
     status = table_create(table, dim, rows);
     return &table;
 }
@@ -46,8 +43,10 @@ int create_table(KZB_STORE& store, std::string_view category, std::string_view k
     if (category.size() >= name_limit || key.size() >= name_limit) {
         return 1;
     }
+    // The key may be the name of a category, which moves when one is added.
+    const std::string own_key(key);
     int status = 1;
-    table_create_in_category(store, *require_category(store, category), key, dim, sizes, status);
+    table_create_in_category(store, *require_category(store, category), own_key, dim, sizes, status);
     return status;
 }
 

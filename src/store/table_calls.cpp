@@ -2,22 +2,20 @@
 
 namespace kzb {
 
-namespace {
-
-constexpr int outside_of_table = 90010;
-
-}  // namespace
+double axis_value_or_error(KZB_STORE& store, const KZB_TABLE* table, int axis, int index) {
+    const double value = table_get_axis_value(table, axis, index);
+    if (value == KZB_NO_VALUE) {
+        store.error = outside_of_table;
+    }
+    return value;
+}
 
 double axis_value_or_error(KZB_STORE& store, std::string_view category, std::string_view key, int axis, int index) {
     const KZB_CATEGORY* found = find_category(store, category);
     if (axis < 1 || found == nullptr) {
         return 0.0;
     }
-    const double value = table_get_axis_value(found->tables.find(key), axis, index);
-    if (value == KZB_NO_VALUE) {
-        store.error = outside_of_table;
-    }
-    return value;
+    return axis_value_or_error(store, found->tables.find(key), axis, index);
 }
 
 double value_or_absent(const KZB_STORE& store, std::string_view category, std::string_view key, const int* indices) {

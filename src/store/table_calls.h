@@ -5,6 +5,11 @@
 
 namespace kzb {
 
+inline constexpr int outside_of_table = 90010;  // error: no such node
+
+// The node of an axis from 1. Where there is none: KZB_NO_VALUE and error 90010.
+double axis_value_or_error(KZB_STORE& store, const KZB_TABLE* table, int axis, int index);
+
 // The node, with error 90010 for anything invalid inside an existing category; 0.0 without the category.
 double axis_value_or_error(KZB_STORE& store, std::string_view category, std::string_view key, int axis, int index);
 

@@ -110,16 +110,34 @@ inline bool wrap_quietly(const double* nodes, int rows, int cyclic, double& x) {
     return is_inside(nodes, rows, x) || wrap_into_period(low, high, x).found;
 }
 
-// Both in one: working coordinate and lower node; false where the axis is not an ordinary one for this coordinate.
-inline bool place_on_axis(const double* nodes, int rows, int cyclic, double& x, int& lo, int& status) {
-    if (rows > 1 && is_inside(nodes, rows, x) && (cyclic < 1 || nodes[rows - 1] > nodes[0])) {
-        lo = first_cell(nodes, rows - 1, x);
-    } else if (wrap_quietly(nodes, rows, cyclic, x)) {
-        lo = lower_node(nodes, rows, x, status);
-    } else {
-        return false;
+// Whether `cell` is the first that qualifies for x, on nodes that ascend: then no earlier one does if the lower node of
+// this one, widened by the tolerance, is not above x. Such an x is inside the ends, too.
+inline bool is_first_cell(const double* nodes, int cell, double x) {
+    return nodes[cell + 1] + KZB_AXIS_TOL > x && x > nodes[cell] - KZB_AXIS_TOL &&
+           (cell == 0 || !(nodes[cell] + KZB_AXIS_TOL > x));
+}
+
+inline AxisMemo::Order order_of(const double* nodes, int rows) {
+    for (int i = 0; i + 1 < rows; ++i) {
+        if (!(nodes[i + 1] > nodes[i])) {
+            return AxisMemo::Order::other;
+        }
     }
-    return lo >= 0;
+    return AxisMemo::Order::ascending;
+}
+
+// The search behind place_on_axis where its memo does not help.
+bool search_axis(const KZB_TABLE& table, std::size_t a, double& x, int& lo, int& status);
+
+// Working coordinate and lower node on axis `a`, which has a grid; false where the axis is not an ordinary one for this
+// coordinate. Where the last search ended is looked at first.
+inline bool place_on_axis(const KZB_TABLE& table, std::size_t a, double& x, int& lo, int& status) {
+    const AxisMemo memo = table.memos[a];
+    if (memo.order == AxisMemo::Order::ascending && is_first_cell(table.axes[a].data(), memo.cell, x)) {
+        lo = memo.cell;
+        return true;
+    }
+    return search_axis(table, a, x, lo, status);
 }
 
 }  // namespace kzb

@@ -61,17 +61,20 @@ Scheme scheme_of(const char* method) {
     if (method == nullptr) {
         return Scheme::unknown;
     }
-    constexpr struct {
-        const char* name;
-        Scheme scheme;
-    } schemes[] = {{"Linear", Scheme::linear},
-                   {"Spline", Scheme::spline},
-                   {"Cubic", Scheme::cubic},
-                   {"Spline6", Scheme::spline6},
-                   {"Spline4", Scheme::spline4}};
-    for (const auto& entry : schemes) {
-        if (std::strcmp(entry.name, method) == 0) {
-            return entry.scheme;
+    // The first letter tells which names can be meant.
+    if (method[0] == 'L') {
+        return std::strcmp(method, "Linear") == 0 ? Scheme::linear : Scheme::unknown;
+    }
+    if (method[0] == 'C') {
+        return std::strcmp(method, "Cubic") == 0 ? Scheme::cubic : Scheme::unknown;
+    }
+    if (std::strncmp(method, "Spline", 6) == 0) {
+        const char* rest = method + 6;
+        if (rest[0] == '\0') {
+            return Scheme::spline;
+        }
+        if (rest[1] == '\0') {
+            return rest[0] == '6' ? Scheme::spline6 : (rest[0] == '4' ? Scheme::spline4 : Scheme::unknown);
         }
     }
     return Scheme::unknown;

@@ -7,8 +7,8 @@ namespace kzb {
 
 struct Stencil {
     int count = 0;      // entries in use
-    int index[6] = {};  // value indices; the cubic stencil of a cyclic axis of one node has invalid ones
-    double node[6] = {};
+    int index[6];  // value indices; the cubic stencil of a cyclic axis of one node has invalid ones
+    double node[6];
 };
 
 // Four nodes of "Cubic": one below, the bracket, one above; beyond the grid a phantom node.

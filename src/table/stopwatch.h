@@ -6,13 +6,13 @@
 
 namespace kzb {
 
-// Process clock; ticks count as milliseconds in the statistics.
+// Process clock, in seconds.
 class ProcessWatch {
   public:
     explicit ProcessWatch(bool on) : on_(on), start_(on ? std::clock() : 0) {}
     void add_to(double& sum) const {
         if (on_) {
-            sum += static_cast<double>(std::clock() - start_) / 1000.0;
+            sum += static_cast<double>(std::clock() - start_) / static_cast<double>(CLOCKS_PER_SEC);
         }
     }
 

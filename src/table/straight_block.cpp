@@ -26,7 +26,7 @@ struct BlockScheme {
     double cubic_calls = 0.0;
 
     bool add_axis(std::size_t a, double x, BlockPlan& plan);
-    bool add_cubic(const Stencil& stencil, double x, int stride, BlockPlan& plan);
+    bool add_cubic(const double* node, const int* offset, double x, BlockPlan& plan);
     bool add_spline(const Stencil& stencil, double x, int stride, bool last, BlockPlan& plan);
     void add_calls(const BlockScheme& other);
     void count_calls(double* timing) const;
@@ -51,7 +51,7 @@ bool BlockScheme::add_axis(std::size_t a, double x, BlockPlan& plan) {
     const int rows = table.sizes[a];
     const int cyclic = table.cyclic[a];
     int lo = 0;
-    if (!place_on_axis(nodes, rows, cyclic, x, lo, plan.status)) {
+    if (!place_on_axis(table, a, x, lo, plan.status)) {
         return false;
     }
     const Bracket bracket{lo, rows == 1 ? 0 : lo + 1};
@@ -64,32 +64,44 @@ bool BlockScheme::add_axis(std::size_t a, double x, BlockPlan& plan) {
             // Four reads of one node; on a cyclic axis two of them miss and say so.
             return cyclic < 1;
         }
+        const int stride = table.strides[a];
+        if (lo >= 1 && lo + 2 < rows) {
+            // Inside the grid the stencil is a run of it.
+            const int first = (lo - 1) * stride;
+            const int offset[4] = {first, first + stride, first + 2 * stride, first + 3 * stride};
+            return add_cubic(nodes + lo - 1, offset, x, plan);
+        }
         cubic_stencil(nodes, rows, cyclic >= 1, bracket, stencil);
-        return add_cubic(stencil, x, table.strides[a], plan);
+        int offset[4];
+        for (int i = 0; i < 4; ++i) {
+            offset[i] = stencil.index[i] * stride;
+        }
+        return add_cubic(stencil.node, offset, x, plan);
     }
     spline_stencil(nodes, rows, cyclic >= 1, bracket, width, stencil);
     return add_spline(stencil, x, table.strides[a], a + 1 == table.axes.size(), plan);
 }
 
-bool BlockScheme::add_cubic(const Stencil& stencil, double x, int stride, BlockPlan& plan) {
+bool BlockScheme::add_cubic(const double* node, const int* offset, double x, BlockPlan& plan) {
     constexpr double tol = KZB_AXIS_TOL;
-    const double* node = stencil.node;
     cubic_calls += lines;
     lines *= 4.0;
-    if (std::fabs(node[2] - node[1]) < tol) {
+    const double h = node[2] - node[1];
+    if (std::fabs(h) < tol) {
         return false;
     }
     if (node[1] + tol >= x) {
-        plan.base += std::ptrdiff_t{stencil.index[1]} * stride;
+        plan.base += offset[1];
         return true;
     }
     if (x >= node[2] - tol) {
-        plan.base += std::ptrdiff_t{stencil.index[2]} * stride;
+        plan.base += offset[2];
         return true;
     }
-    LineStep& step = add_step(stencil, LineKind::hermite_edge, stride, plan);
+    LineStep& step = plan.step[plan.steps++];
+    step.count = 4;
+    std::copy(offset, offset + 4, step.offset);
     HermiteFactors& f = step.hermite;
-    const double h = node[2] - node[1];
     const double a = (node[0] - node[1]) / h;
     const double b = (node[3] - node[1]) / h;
     f.t = (x - node[1]) / h;
@@ -102,11 +114,19 @@ bool BlockScheme::add_cubic(const Stencil& stencil, double x, int stride, BlockP
     const bool inner = f.has_before && f.has_after;
     const bool exact = inner && is_power_of_two(f.before) && is_power_of_two(f.before_end) &&
                        is_power_of_two(f.after) && is_power_of_two(f.end);
-    step.kind = exact ? LineKind::hermite_exact : (inner ? LineKind::hermite_inner : LineKind::hermite_edge);
-    f.divide_before = exact ? 1.0 / f.before : f.before;
-    f.divide_before_end = exact ? 1.0 / f.before_end : f.before_end;
-    f.divide_after = exact ? 1.0 / f.after : f.after;
-    f.divide_end = exact ? 1.0 / f.end : f.end;
+    if (exact) {
+        step.kind = LineKind::hermite_exact;
+        f.divide_before = 1.0 / f.before;
+        f.divide_before_end = 1.0 / f.before_end;
+        f.divide_after = 1.0 / f.after;
+        f.divide_end = 1.0 / f.end;
+    } else {
+        step.kind = inner ? LineKind::hermite_inner : LineKind::hermite_edge;
+        f.divide_before = f.before;
+        f.divide_before_end = f.before_end;
+        f.divide_after = f.after;
+        f.divide_end = f.end;
+    }
     return true;
 }
 

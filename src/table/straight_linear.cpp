@@ -73,7 +73,7 @@ inline bool add_axis(const KZB_TABLE& table, std::size_t a, double x, bool turn_
     const int rows = table.sizes[a];
     const int cyclic = table.cyclic[a];
     int lo = 0;
-    if (!place_on_axis(nodes, rows, cyclic, x, lo, plan.status)) {
+    if (!place_on_axis(table, a, x, lo, plan.status)) {
         return false;
     }
     if (rows == 1) {
@@ -126,6 +126,218 @@ inline bool value_stands(const LinearPlan& plan, double value) {
     return !plan.single_axis || std::isfinite(value);
 }
 
+// Value offsets of the two nodes of a cell.
+struct CellSides {
+    std::ptrdiff_t lower;
+    std::ptrdiff_t upper;
+};
+inline CellSides sides_of(const KZB_TABLE& table, std::size_t a, int cell, bool turn_rule) {
+    const std::ptrdiff_t stride = table.strides[a];
+    std::ptrdiff_t lower = cell;
+    std::ptrdiff_t upper = lower + 1;
+    if (turn_rule && table.cyclic[a] >= 1) {
+        const double* nodes = table.axes[a].data();
+        lower = turned(nodes, 1, cell);
+        upper = a + 1 == table.axes.size() ? lower + 1 : turned(nodes, 1, cell + 1);
+    }
+    return {lower * stride, upper * stride};
+}
+
+// The common case of add_axis: the point lies where the last one lay, apart from both nodes of the cell.
+inline bool add_inner_axis(const KZB_TABLE& table, std::size_t a, double x, bool turn_rule, LinearPlan& plan) {
+    const AxisMemo memo = table.memos[a];
+    if (memo.order != AxisMemo::Order::ascending) {
+        return false;
+    }
+    const double* nodes = table.axes[a].data();
+    const double x0 = nodes[memo.cell];
+    const double x1 = nodes[memo.cell + 1];
+    const double beside = x - x0;
+    if (!(beside >= KZB_AXIS_TOL && x1 - x >= KZB_AXIS_TOL && x >= x0 + KZB_AXIS_TOL)) {
+        return false;
+    }
+    const CellSides sides = sides_of(table, a, memo.cell, turn_rule);
+    plan.offset[a] = sides.upper - sides.lower;
+    plan.t[a] = beside / (x1 - x0);
+    plan.base += sides.lower;
+    return true;
+}
+
+// Cell of a point on ascending nodes where it is easily guessed: that of the last point, or the one that ends at the
+// node numbered as the coordinate, as on the axis of components. -1 where neither is the first that qualifies.
+inline int guessed_cell(const double* nodes, int rows, const AxisMemo& memo, double x) {
+    if (memo.order != AxisMemo::Order::ascending) {
+        return -1;
+    }
+    if (is_first_cell(nodes, memo.cell, x)) {
+        return memo.cell;
+    }
+    if (!(x >= 0.0 && x < rows)) {
+        return -1;
+    }
+    const int cell = x < 1.0 ? 0 : static_cast<int>(x) - 1;
+    return is_first_cell(nodes, cell, x) ? cell : -1;
+}
+
+// The other common case: a point on a node, as a component is.
+inline bool add_node(const KZB_TABLE& table, std::size_t a, double x, bool turn_rule, LinearPlan& plan) {
+    const double* nodes = table.axes[a].data();
+    const int cell = guessed_cell(nodes, table.sizes[a], table.memos[a], x);
+    if (cell < 0) {
+        return false;
+    }
+    const double x0 = nodes[cell];
+    const double x1 = nodes[cell + 1];
+    if (x1 - x0 < KZB_AXIS_TOL) {
+        return false;
+    }
+    const CellSides sides = sides_of(table, a, cell, turn_rule);
+    if (std::fabs(x0 - x) < KZB_AXIS_TOL) {
+        plan.base += sides.lower;
+        return true;
+    }
+    if (std::fabs(x1 - x) < KZB_AXIS_TOL) {
+        plan.base += sides.upper;
+        return true;
+    }
+    return false;
+}
+
+// All axes 0 .. N - 1 by the common case.
+template <int N>
+inline bool plan_inner(const KZB_TABLE& table, const double* x, bool turn_rule, LinearPlan& plan) {
+    for (std::size_t a = 0; a < N; ++a) {
+        if (!add_inner_axis(table, a, x[a], turn_rule, plan)) {
+            return false;
+        }
+    }
+    plan.active = N;
+    return true;
+}
+
+// Value where all axes but the last are of the common case, and the last is of one of the two.
+template <int N>
+inline bool value_inside(const KZB_TABLE& table, const double* x, bool turn_rule, double& value) {
+    constexpr std::size_t last = N - 1;
+    LinearPlan plan;
+    plan.base = table.values.data();
+    if (!plan_inner<N - 1>(table, x, turn_rule, plan)) {
+        return false;
+    }
+    if (add_inner_axis(table, last, x[last], turn_rule, plan)) {
+        value = reduce_cell<N>(plan);
+        return true;
+    }
+    if (!add_node(table, last, x[last], turn_rule, plan)) {
+        return false;
+    }
+    if constexpr (N > 1) {
+        value = reduce_cell<N - 1>(plan);
+    } else {
+        value = *plan.base;
+    }
+    return true;
+}
+
+inline bool value_inside(const KZB_TABLE& table, const double* x, bool turn_rule, double& value) {
+    switch (table.dim) {
+        case 1:
+            return value_inside<1>(table, x, false, value);
+        case 2:
+            return value_inside<2>(table, x, false, value);
+        case 3:
+            return value_inside<3>(table, x, false, value);
+        case 4:
+            return value_inside<4>(table, x, turn_rule, value);
+        default:
+            return value_inside<5>(table, x, false, value);
+    }
+}
+
+// The axes 0 .. last - 1 in any case; false when one is not ordinary.
+bool plan_leading(const KZB_TABLE& table, const double* x, std::size_t last, bool turn_rule, LinearPlan& plan) {
+    const double* const values = table.values.data();
+    plan.base = values;
+    if (last == 3 && plan_inner<3>(table, x, turn_rule, plan)) {
+        return true;
+    }
+    plan.base = values;
+    plan.active = 0;
+    for (std::size_t a = 0; a < last; ++a) {
+        if (!add_axis(table, a, x[a], turn_rule, plan)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Whether the last axis holds the nodes 0, 1 .. count - 1 and goes on ascending: each component then lies on its node,
+// at the upper end of the segment below it, and the stored column is the value.
+bool counts_components(const KZB_TABLE& table, std::size_t last, int count) {
+    const int rows = table.sizes[last];
+    const double* nodes = table.axes[last].data();
+    if (nodes == nullptr || table.cyclic[last] >= 1 || rows < 2 || rows < count) {
+        return false;
+    }
+    AxisMemo& memo = table.memos[last];
+    if (memo.order == AxisMemo::Order::unknown) {
+        memo.order = order_of(nodes, rows);
+    }
+    for (int k = 0; k < count; ++k) {
+        if (nodes[k] != static_cast<double>(k)) {
+            return false;
+        }
+    }
+    // The node behind the last component must lie outside the tolerance of it, too.
+    return memo.order == AxisMemo::Order::ascending;
+}
+
+// Two components at a time, as lanes: they lie side by side.
+template <int Active>
+void reduce_components(const LinearPlan& plan, int count, double* results) {
+    int k = 0;
+    for (; k + 1 < count; k += 2) {
+        const LanePair y = column<Active - 1>(plan, plan.base + k, 1);
+        results[k] = y[0];
+        results[k + 1] = y[1];
+    }
+    if (k < count) {
+        results[k] = column<Active - 1>(plan, plan.base + k, 0)[0];
+    }
+}
+
+void evaluate_components(const LinearPlan& plan, int count, double* results) {
+    switch (plan.active) {
+        case 0:
+            return reduce_components<0>(plan, count, results);
+        case 1:
+            return reduce_components<1>(plan, count, results);
+        case 2:
+            return reduce_components<2>(plan, count, results);
+        case 3:
+            return reduce_components<3>(plan, count, results);
+        default:
+            return reduce_components<4>(plan, count, results);
+    }
+}
+
+// Component after component, the last axis searched for each; false when one is not ordinary.
+bool search_components(const KZB_TABLE& table, const LinearPlan& leading, std::size_t last, bool turn_rule, int count,
+                       double* results, int& status) {
+    for (int k = 0; k < count; ++k) {
+        LinearPlan plan = leading;
+        if (!add_axis(table, last, static_cast<double>(k), turn_rule, plan)) {
+            return false;
+        }
+        results[k] = evaluate(plan);
+        if (!value_stands(plan, results[k])) {
+            return false;
+        }
+        status = plan.status > 0 ? plan.status : status;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool straight_linear(const KZB_TABLE& table, const double* coordinates, StraightResult& out, double* timing,
@@ -133,12 +345,17 @@ bool straight_linear(const KZB_TABLE& table, const double* coordinates, Straight
     if (!is_whole(table) || table.dim > 5) {
         return false;
     }
-    const ProcessWatch gather_watch(switches.measure_time);
-    const std::size_t axes = table.axes.size();
     const bool turn_rule = reads_pairs(table, switches);
+    const auto calls = static_cast<double>((1 << table.dim) - 1);
+    if (!switches.measure_time && value_inside(table, coordinates, turn_rule, out.value)) {
+        timing[slot_linear_calls] += calls;
+        out.status = 0;
+        return true;
+    }
+    const ProcessWatch gather_watch(switches.measure_time);
     LinearPlan plan;
     plan.base = table.values.data();
-    for (std::size_t a = 0; a < axes; ++a) {
+    for (std::size_t a = 0; a < table.axes.size(); ++a) {
         if (!add_axis(table, a, coordinates[a], turn_rule, plan)) {
             return false;
         }
@@ -148,7 +365,7 @@ bool straight_linear(const KZB_TABLE& table, const double* coordinates, Straight
         return false;
     }
     gather_watch.add_to(timing[slot_linear_gather]);
-    timing[slot_linear_calls] += static_cast<double>((1 << axes) - 1);
+    timing[slot_linear_calls] += calls;
     out.value = value;
     out.status = plan.status;
     return true;
@@ -163,25 +380,17 @@ bool straight_linear_components(const KZB_TABLE& table, const double* coordinate
     const std::size_t last = table.axes.size() - 1;
     const bool turn_rule = reads_pairs(table, switches);
     LinearPlan leading;
-    leading.base = table.values.data();
-    for (std::size_t a = 0; a < last; ++a) {
-        if (!add_axis(table, a, coordinates[a], turn_rule, leading)) {
-            return false;
-        }
+    if (!plan_leading(table, coordinates, last, turn_rule, leading)) {
+        return false;
     }
-    for (int k = 0; k < count; ++k) {
-        LinearPlan plan = leading;
-        if (!add_axis(table, last, static_cast<double>(k), turn_rule, plan)) {
-            return false;
-        }
-        results[k] = evaluate(plan);
-        if (!value_stands(plan, results[k])) {
-            return false;
-        }
-        status = plan.status > 0 ? plan.status : status;
+    if (!leading.single_axis && counts_components(table, last, count)) {
+        evaluate_components(leading, count, results);
+        status = leading.status > 0 ? leading.status : status;
+    } else if (!search_components(table, leading, last, turn_rule, count, results, status)) {
+        return false;
     }
     gather_watch.add_to(timing[slot_linear_gather]);
-    timing[slot_linear_calls] += static_cast<double>(count) * static_cast<double>((1 << (last + 1)) - 1);
+    timing[slot_linear_calls] += static_cast<double>(count) * static_cast<double>((1 << table.dim) - 1);
     return true;
 }
 

@@ -1,34 +1,45 @@
 // Creation and release of the table record, its grids and flags.
-#include "table/table.h"
-
+#include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <limits>
-#include <new>
+
+#include "table/table_shape.h"
 
 namespace kzb {
 
 namespace {
 
-// Sizes and strides; the number of values, 0 when a row count is no good.
-std::int64_t shape(KZB_TABLE& table, const int* rows) {
-    std::int64_t total = 1;
-    for (std::size_t a = 0; a < table.sizes.size(); ++a) {
-        if (rows[a] < 1) {
-            std::perror("The num of row is zero.\n");
-            return 0;
+constexpr int highest = std::numeric_limits<int>::max();
+
+// The leading axes with good row counts whose product an int holds, and that product.
+struct GoodAxes {
+    int count = 0;
+    std::int64_t values = 1;
+};
+
+GoodAxes good_axes(int dim, const int* rows) {
+    GoodAxes good;
+    for (; good.count < dim && rows[good.count] >= 1; ++good.count) {
+        const std::int64_t values = good.values * rows[good.count];
+        if (values > highest) {
+            break;
         }
-        table.sizes[a] = rows[a];
-        total *= rows[a];
-        if (total > std::numeric_limits<int>::max()) {
-            return 0;
-        }
+        good.values = values;
     }
-    int stride = 1;
-    for (std::size_t a = table.sizes.size(); a-- > 0;) {
-        table.strides[a] = stride;
-        stride *= table.sizes[a];
+    return good;
+}
+
+// Sizes and flags of `axes` axes, the sizes of those from `rows` as far as they are 1 or greater.
+void set_axes(KZB_TABLE& table, int axes, int walked, const int* rows) {
+    const auto count = static_cast<std::size_t>(axes);
+    table.sizes.assign(count, 0);
+    table.cyclic.assign(count, 0);
+    table.strides.assign(count, 0);
+    for (std::size_t a = 0; a < static_cast<std::size_t>(walked); ++a) {
+        table.sizes[a] = std::max(rows[a], 0);
     }
-    return total;
+    table.dim = axes;
 }
 
 bool has_axis(const KZB_TABLE* table, int axis_no) {
@@ -37,27 +48,44 @@ bool has_axis(const KZB_TABLE* table, int axis_no) {
 
 }  // namespace
 
-int table_create(KZB_TABLE& table, int dim, const int* rows) {
+bool table_shape(KZB_TABLE& table, int dim, const int* rows) {
     table_free(table);
     if (dim < 0 || (dim > 0 && rows == nullptr)) {
+        return false;
+    }
+    const GoodAxes good = good_axes(dim, rows);
+    try {
+        if (good.count < dim) {
+            if (rows[good.count] < 1) {
+                std::perror("The num of row is zero.\n");
+            }
+            // The record of a failed creation has its axes, but no more of them than the rows were looked at and a few.
+            constexpr int few_axes = 64;
+            set_axes(table, std::min(dim, std::max(good.count + 1, few_axes)), good.count + 1, rows);
+            return false;
+        }
+        set_axes(table, dim, dim, rows);
+        int stride = 1;
+        for (std::size_t a = table.sizes.size(); a-- > 0;) {
+            table.strides[a] = stride;
+            stride *= table.sizes[a];
+        }
+        table.axes.resize(table.sizes.size());
+        table.memos.assign(table.sizes.size(), AxisMemo{});
+    } catch (const std::exception&) {
+        table_free(table);
+        return false;
+    }
+    table.total = static_cast<int>(good.values);
+    return true;
+}
+
+int table_create(KZB_TABLE& table, int dim, const int* rows) {
+    if (!table_shape(table, dim, rows)) {
         return 1;
     }
-    try {
-        const auto axes = static_cast<std::size_t>(dim);
-        table.sizes.assign(axes, 0);
-        table.cyclic.assign(axes, 0);
-        table.strides.assign(axes, 0);
-        table.dim = dim;
-        const std::int64_t total = shape(table, rows);
-        if (total == 0) {
-            return 1;
-        }
-        table.axes.resize(axes);
-        if (!table.values.allocate(static_cast<std::size_t>(total))) {
-            return 1;
-        }
-        table.total = static_cast<int>(total);
-    } catch (const std::exception&) {
+    if (!table.values.allocate(static_cast<std::size_t>(table.total))) {
+        table.total = 0;
         return 1;
     }
     return 0;
@@ -65,6 +93,7 @@ int table_create(KZB_TABLE& table, int dim, const int* rows) {
 
 void table_free(KZB_TABLE& table) {
     table.axes.clear();
+    table.memos.clear();
     table.values.reset();
     table.sizes.clear();
     table.cyclic.clear();
@@ -95,6 +124,7 @@ int table_set_axis_value(KZB_TABLE* table, int axis_no, int index, double value)
         return 1;
     }
     table->axes[axis][static_cast<std::size_t>(index)] = value;
+    table->memos[axis] = AxisMemo{};
     return 0;
 }
 

@@ -24,6 +24,18 @@ inline constexpr int KZB_NO_FLAG = 0x7fffffff;
 
 }  // namespace kzb
 
+namespace kzb {
+
+// Where the last search on an axis ended, and whether its nodes are known to ascend; nodes written anew forget both.
+// A memo alone: no result depends on it.
+struct AxisMemo {
+    enum class Order : char { unknown, ascending, other };
+    Order order = Order::unknown;
+    int cell = 0;
+};
+
+}  // namespace kzb
+
 struct KZB_TABLE {
     std::string keyword;
     int dim = 0;
@@ -32,9 +44,10 @@ struct KZB_TABLE {
     std::vector<kzb::ZeroedArray> axes;  // one per axis, null until its first node is set
     std::vector<int> cyclic;             // 1 or greater: cyclic
     std::vector<int> strides;
-    std::int64_t file_position = 0;  // where the body lies in the file while it is not read yet, else 0
-    int loaded = 0;                  // 1 once the body was read from the file
-    int total = 0;                   // product of sizes
+    std::int64_t file_position = 0;            // where the body lies in the file while it is not read yet, else 0
+    int loaded = 0;                            // 1 once the body was read from the file
+    int total = 0;                             // product of sizes
+    mutable std::vector<kzb::AxisMemo> memos;  // one per axis
 };
 
 namespace kzb {

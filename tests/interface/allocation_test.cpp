@@ -12,6 +12,8 @@
 // A sanitizer brings its own allocator: nothing to replace there.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define KZB_COUNTS_ALLOCATIONS 0
+#elif defined(__has_feature)
+#define KZB_COUNTS_ALLOCATIONS !(__has_feature(address_sanitizer) || __has_feature(thread_sanitizer))
 #else
 #define KZB_COUNTS_ALLOCATIONS 1
 #endif

@@ -200,4 +200,20 @@ TEST(pmsm_harmonic, leakage_is_added_to_both_axes) {
     EXPECT_NEAR(model.q_inductance(), 2.0 / 3.0 * 0.0045, 1e-15);
 }
 
+// Tables tell the uncorrected machine; both axes grow with the correction, once.
+TEST(pmsm_harmonic, inductance_correction_scales_both_axes) {
+    KZB_STORE store;
+    harmonic_file(store, {.by_phase_currents = true});
+    Calc_Eq model;
+    model.set_correction_inductance(2.0);
+    bind(model, store, kzb::harmonic);
+    const kzb::Phases i = kzb::inverse_park({0.0, 50.0, 0.0}, kzb::PhaseAngles(0.0));
+    for (std::size_t k = 0; k < 3; ++k) {
+        model.set_initial_current(static_cast<int>(k) + 1, i[k]);
+    }
+    sample(model, {}, 0.0, 0.0, false);
+    EXPECT_NEAR(model.q_inductance(), 2.0 * l, 1e-12);
+    EXPECT_NEAR(model.d_inductance(), 2.0 * l, 1e-12);
+}
+
 }  // namespace

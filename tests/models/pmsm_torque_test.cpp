@@ -159,9 +159,9 @@ TEST(pmsm_torque, temperature_torque_at_standstill) {
     EXPECT_NEAR(model.torque_from_currents(), -tq * 3.0, 1e-9);
 }
 
-// The transform of the flux change turns twice: with phases of unlike size the angle shows. At position x the angle
-// is p/2 * (p/2 * x).
-TEST(pmsm_torque, temperature_torque_keeps_the_angle_converted_twice) {
+// Phases of unlike size: the size of the two-axis change counts. The transform's angle, converted twice, does not show
+// in a size but for the last bits.
+TEST(pmsm_torque, temperature_torque_takes_the_size_of_the_flux_change) {
     KZB_STORE store;
     basics(store);
     const Axis turn = nodes(0.0, 180.0, 13, true);

@@ -59,6 +59,22 @@ TEST(Applications, offered_when_all_categories_stand_and_the_motor_type_fits) {
     }
 }
 
+TEST(Applications, every_single_absent_category_withdraws_the_offer) {
+    for (const Row& row : rows) {
+        for (std::size_t absent = 0; absent < row.needs.size(); ++absent) {
+            TestStore store;
+            categories(store, row.fitting_type, {});
+            for (std::size_t i = 0; i < row.needs.size(); ++i) {
+                if (i != absent) {
+                    kzb_put_int(row.needs[i], "placeholder", 0, store);
+                }
+            }
+            EXPECT_EQ(kzb_has_application(row.motor, row.application, store), 0)
+                << row.motor << ' ' << row.application << " without " << row.needs[absent];
+        }
+    }
+}
+
 TEST(Applications, reluctance_needs_the_magnet_flux_to_be_absent) {
     TestStore store;
     categories(store, 10010, {"inductance", "torque"});

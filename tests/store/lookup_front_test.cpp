@@ -1,47 +1,19 @@
-// The store's front of a lookup: names, error codes, statistics, debug lines, resolution through changes.
+// The store's front of a lookup: names, error codes, fold, resolution through changes.
 #include "store/lookup_front.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 
+#include "own_folder.h"
 #include "test_store.h"
 
 using kzb_test::TestStore;
 
 namespace {
 
-// Runs in a directory of its own, so that the files of the current directory are this test's.
-class LookupFront : public testing::Test {
-  protected:
-    void SetUp() override {
-        home_ = std::filesystem::current_path();
-        folder_ = std::filesystem::temp_directory_path() / ("kzb_front_" + std::to_string(getpid()));
-        std::filesystem::create_directories(folder_);
-        std::filesystem::current_path(folder_);
-    }
-    void TearDown() override {
-        unsetenv("KZBFILEHANDLER_DEBUG_MODE");
-        unsetenv("KZB_OUTPUT_ELAPSED_TIME");
-        unsetenv("USE_GENERIC_INTERPOLATION");
-        std::filesystem::current_path(home_);
-        std::filesystem::remove_all(folder_);
-    }
-    static std::string content(const char* file) {
-        std::ifstream in(file, std::ios::binary);
-        std::ostringstream out;
-        out << in.rdbuf();
-        return out.str();
-    }
-
-  private:
-    std::filesystem::path home_;
-    std::filesystem::path folder_;
-};
+using LookupFront = kzb_test::OwnFolder;
 
 double at(KZB_STORE* store, const char* category, const char* key, double x, const char* method) {
     return kzb_get_table_interpolated_value(category, key, &x, method, store);
@@ -53,6 +25,28 @@ TEST_F(LookupFront, unknown_method_gives_no_value_and_no_error) {
     EXPECT_EQ(at(store, "c", "t", 0.5, "linear"), 1.7976931348623157e308);
     EXPECT_EQ(at(store, "c", "t", 0.5, ""), 1.7976931348623157e308);
     EXPECT_EQ(at(store, "c", "absent", 0.5, "linear"), 1.7976931348623157e308);
+    EXPECT_EQ(kzb_has_error(store), 0);
+}
+
+// A torque table of phase and position in a file with the symmetry; at the phase 135 degrees the fold turns the sign,
+// at 45 degrees it does not.
+TEST_F(LookupFront, unknown_method_on_a_folded_torque_table_gives_no_value_times_the_factor) {
+    TestStore store;
+    kzb_put_int("control", "use_phase_symmetry", 1, store);
+    kzb_put_int("control", "motor_type", 10000, store);
+    const int sizes[2] = {2, 2};
+    kzb_create_table("harmonic_torque", "torque_ibeta", 2, sizes, store);
+    for (int i = 0; i < 2; ++i) {
+        kzb_set_table_axis_value("harmonic_torque", "torque_ibeta", 1, i, 90.0 * i, store);
+        kzb_set_table_axis_value("harmonic_torque", "torque_ibeta", 2, i, 360.0 * i, store);
+    }
+    const double flipped[2] = {135.0, 10.0};
+    const double plain[2] = {45.0, 10.0};
+    const auto look_up = [&](const double* x) {
+        return kzb_get_table_interpolated_value("harmonic_torque", "torque_ibeta", x, "other", store);
+    };
+    EXPECT_EQ(look_up(flipped), -1.7976931348623157e308);
+    EXPECT_EQ(look_up(plain), 1.7976931348623157e308);
     EXPECT_EQ(kzb_has_error(store), 0);
 }
 
@@ -85,81 +79,6 @@ TEST_F(LookupFront, callers_values_are_never_changed) {
     double x = 25.0;
     EXPECT_EQ(kzb_get_table_interpolated_value("c", "t", &x, "Linear", store), 3.0);
     EXPECT_EQ(x, 25.0);
-}
-
-TEST_F(LookupFront, counters_count_and_times_stay_zero_unless_asked) {
-    TestStore store;
-    store.line("c", "t", {0.0, 1.0, 2.0, 3.0}, {2.0, 4.0, 6.0, 8.0});
-    at(store, "c", "t", 0.5, "Linear");
-    at(store, "c", "t", 0.5, "Linear");
-    at(store, "c", "t", 0.5, "Cubic");
-    at(store, "c", "t", 0.5, "Spline4");
-    EXPECT_EQ(kzb_get_time(store, 3), 2.0);
-    EXPECT_EQ(kzb_get_time(store, 5), 1.0);
-    EXPECT_EQ(kzb_get_time(store, 1), 1.0);
-    for (const int slot : {6, 7, 8, 9, 10, 11, 12, 14, 15, 16}) {
-        EXPECT_EQ(kzb_get_time(store, slot), 0.0) << slot;
-    }
-}
-
-TEST_F(LookupFront, elapsed_time_grows_when_the_variable_stood_at_initialize) {
-    setenv("KZB_OUTPUT_ELAPSED_TIME", "", 1);
-    KZB_STORE* store = nullptr;
-    kzb_initialize(&store);
-    const int size = 2;
-    kzb_create_table("c", "t", 1, &size, store);
-    kzb_set_table_axis_value("c", "t", 1, 1, 1.0, store);
-    for (int i = 0; i < 200000; ++i) {
-        at(store, "c", "t", 0.5, "Linear");
-    }
-    EXPECT_GT(kzb_get_time(store, 9), 0.0);
-    EXPECT_EQ(kzb_get_time(store, 3), 200000.0);
-    kzb_finish(store);
-    const std::string report = content("KZBtime.txt");
-    EXPECT_EQ(report.rfind("***  ***\n# Total interpolation elapsed time = ", 0), 0U) << report;
-    EXPECT_NE(report.find("# Linear    interpolation core function call and elapsed time =     200000, "),
-              std::string::npos)
-        << report;
-}
-
-TEST_F(LookupFront, report_of_an_idle_store_is_all_zero) {
-    KZB_STORE* store = nullptr;
-    kzb_initialize(&store);
-    setenv("KZB_OUTPUT_ELAPSED_TIME", "1", 1);
-    kzb_finish(store);
-    const std::string zero = "0.00000e+00";
-    std::string expected = "***  ***\n# Total interpolation elapsed time = " + zero + "(sec)\n";
-    for (const char* scheme : {"Linear   ", "Cubic    ", "Spline(n)"}) {
-        std::string name(scheme);
-        expected += "# " + name + " interpolation core function call and elapsed time =          0, " + zero + "/" +
-                    zero + "(sec)\n";
-        name.erase(name.find_last_not_of(' ') + 1);
-        expected += "# " + name + " interpolation check overhead = " + zero + "(sec)\n";
-    }
-    EXPECT_EQ(content("KZBtime.txt"), expected);
-}
-
-TEST_F(LookupFront, debug_line_per_lookup_while_the_variable_stands) {
-    TestStore store;
-    store.line("c", "t", {0.0, 1.0}, {2.0, 4.0});
-    at(store, "c", "t", 0.5, "Linear");
-    setenv("KZBFILEHANDLER_DEBUG_MODE", "", 1);
-    at(store, "c", "t", 0.5, "Linear");
-    at(store, "c", "absent", 0.5, "Cubic");
-    unsetenv("KZBFILEHANDLER_DEBUG_MODE");
-    at(store, "c", "t", 0.5, "Linear");
-    EXPECT_EQ(content("KZBFileHandlerDebug.txt"),
-              "c,t,Linear,    5.0000000000e-01,    3.0000000000e+00\n"
-              "c,absent,Cubic,   1.7976931349e+308\n");
-}
-
-TEST_F(LookupFront, variable_that_only_begins_alike_does_not_count) {
-    TestStore store;
-    store.line("c", "t", {0.0, 1.0}, {2.0, 4.0});
-    setenv("KZBFILEHANDLER_DEBUG_MODE_X", "1", 1);
-    at(store, "c", "t", 0.5, "Linear");
-    unsetenv("KZBFILEHANDLER_DEBUG_MODE_X");
-    EXPECT_FALSE(std::filesystem::exists("KZBFileHandlerDebug.txt"));
 }
 
 TEST_F(LookupFront, changed_table_is_seen_by_the_next_lookup) {

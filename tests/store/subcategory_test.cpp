@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <limits>
+#include <locale>
+
 #include "test_store.h"
 
 using kzb_test::TestStore;
@@ -92,6 +96,76 @@ TEST(Subcategory, separators_without_an_element_need_no_index) {
     EXPECT_STREQ(kzb_get_category_name(0, store), "a;3;b;4;");
     EXPECT_EQ(kzb_put_subcategory_int(";", indices, "k", 1, store), 1);
     EXPECT_EQ(kzb_put_subcategory_int("", indices, "k", 1, store), 1);
+}
+
+// A host that groups thousands.
+class Grouping : public std::numpunct<char> {
+  protected:
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(Subcategory, indices_are_plain_decimals_under_a_locale_that_groups_digits) {
+    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouping));
+    TestStore store;
+    for (const int index : {12345, -1234567, std::numeric_limits<int>::min()}) {
+        kzb_put_subcategory_int("a", &index, "k", 1, store);
+    }
+    std::locale::global(before);
+    EXPECT_STREQ(kzb_get_category_name(0, store), "a;12345;");
+    EXPECT_STREQ(kzb_get_category_name(1, store), "a;-1234567;");
+    EXPECT_STREQ(kzb_get_category_name(2, store), "a;-2147483648;");
+}
+
+TEST(Subcategory, null_path_indices_or_key_give_the_absent_value_of_each_call) {
+    TestStore store;
+    const int zero[1] = {0};
+    const double x[1] = {0.0};
+    constexpr double no_value = 1.7976931348623157e308;
+    ASSERT_EQ(kzb_create_subcategory_table("a", zero, "t", 1, std::array{1}.data(), store), 0);
+    struct Names {
+        const char* path;
+        const int* indices;
+        const char* key;
+    };
+    for (const Names& n : {Names{nullptr, zero, "t"}, {"a", nullptr, "t"}, {"a", zero, nullptr}}) {
+        EXPECT_EQ(kzb_has_subcategory_parameter(n.path, n.indices, n.key, store), 0);
+        EXPECT_EQ(kzb_get_subcategory_int(n.path, n.indices, n.key, store), 0);
+        EXPECT_EQ(kzb_get_subcategory_double(n.path, n.indices, n.key, store), 0.0);
+        EXPECT_STREQ(kzb_get_subcategory_string(n.path, n.indices, n.key, store), "");
+        EXPECT_EQ(kzb_put_subcategory_int(n.path, n.indices, n.key, 1, store), 1);
+        EXPECT_EQ(kzb_put_subcategory_double(n.path, n.indices, n.key, 1.0, store), 1);
+        EXPECT_EQ(kzb_put_subcategory_string(n.path, n.indices, n.key, "v", store), 1);
+        EXPECT_EQ(kzb_create_subcategory_table(n.path, n.indices, n.key, 1, zero, store), 1);
+        EXPECT_EQ(kzb_get_subcategory_table_dim(n.path, n.indices, n.key, store), 0);
+        EXPECT_EQ(kzb_get_subcategory_table_num_rows(n.path, n.indices, n.key, 1, store), 0);
+        EXPECT_EQ(kzb_get_subcategory_table_axis_value(n.path, n.indices, n.key, 1, 0, store), 0.0);
+        EXPECT_EQ(kzb_set_subcategory_table_axis_value(n.path, n.indices, n.key, 1, 0, 1.0, store), 1);
+        EXPECT_EQ(kzb_get_subcategory_table_value(n.path, n.indices, n.key, zero, store), 0.0);
+        EXPECT_EQ(kzb_set_subcategory_table_value(n.path, n.indices, n.key, zero, 1.0, store), 1);
+        EXPECT_EQ(kzb_get_subcategory_table_cyclic_flag(n.path, n.indices, n.key, 1, store), 2147483647);
+        EXPECT_EQ(kzb_set_subcategory_table_cyclic_flag(n.path, n.indices, n.key, 1, 1, store), 1);
+        EXPECT_EQ(kzb_get_subcategory_table_interpolated_value(n.path, n.indices, n.key, x, "Linear", store), no_value);
+    }
+    for (const Names& n : {Names{nullptr, zero, ""}, {"a", nullptr, ""}}) {
+        EXPECT_EQ(kzb_has_subcategory(n.path, n.indices, store), 0);
+        EXPECT_EQ(kzb_get_child_subcategory_num(n.path, n.indices, store), 0);
+        EXPECT_STREQ(kzb_get_child_subcategory_name(n.path, n.indices, 0, store), "");
+    }
+    EXPECT_EQ(kzb_get_subcategory_num(nullptr, zero, store), 0);
+    EXPECT_EQ(kzb_get_subcategory_num("a;b", nullptr, store), 0);
+    EXPECT_EQ(kzb_put_subcategory_string("a", zero, "s", nullptr, store), 1);
+    EXPECT_EQ(kzb_create_subcategory_table("a", zero, "u", 1, nullptr, store), 1);
+    EXPECT_EQ(kzb_get_subcategory_table_value("a", zero, "t", nullptr, store), 0.0);
+    EXPECT_EQ(kzb_set_subcategory_table_value("a", zero, "t", nullptr, 1.0, store), 1);
+    EXPECT_EQ(kzb_get_subcategory_table_interpolated_value("a", zero, "t", nullptr, "Linear", store), no_value);
+    EXPECT_EQ(kzb_get_subcategory_table_interpolated_value("a", zero, "t", x, nullptr, store), no_value);
+    // Nothing was made on the way, no code set.
+    EXPECT_EQ(kzb_get_category_num(store), 1);
+    EXPECT_EQ(kzb_get_int_num("a;0;", store) + kzb_get_double_num("a;0;", store) + kzb_get_string_num("a;0;", store),
+              0);
+    EXPECT_EQ(kzb_get_table_num("a;0;", store), 1);
+    EXPECT_EQ(kzb_has_error(store), 0);
 }
 
 }  // namespace

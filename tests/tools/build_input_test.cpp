@@ -95,6 +95,7 @@ TEST(BuildInput, missing_file_is_told_with_its_name) {
         EXPECT_EQ(failure.code, exit_file);
         EXPECT_THAT(failure.what(), HasSubstr("/nowhere/map.csv: cannot be opened"));
     }
+    EXPECT_THROW(CsvTable::read(testing::TempDir()), Failure);  // a folder
 }
 
 TEST(BuildInput, byte_order_mark_windows_line_ends_quotes_and_any_row_order_are_read) {

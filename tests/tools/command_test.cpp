@@ -123,5 +123,19 @@ TEST(Command, a_result_that_stdout_does_not_take_is_exit_code_1) {
     EXPECT_THAT(read_file(messages), HasSubstr("standard output"));
 }
 
+TEST(Command, started_without_stdout_and_stderr_no_message_ends_in_the_output_file) {
+    const Folder folder;
+    const std::string model = folder / "m.kzb";
+    const std::string copy = folder / "copy.kzb";
+    const std::string expected = folder / "expected.kzb";
+    write_model(model, [](KZB_STORE* store) {
+        kzb_put_string("c", "s", "\xf0\x9f\x98\x80", store);  // makes the library print at reading
+    });
+    ASSERT_EQ(run_kzb({"convert", model, expected, "--form", "binary"}).code, 0);
+    const std::string command = std::string(KZB_PROGRAM) + " convert " + model + " " + copy + " --form binary >&- 2>&-";
+    ASSERT_TRUE(WIFEXITED(std::system(command.c_str())));
+    EXPECT_EQ(read_file(copy), read_file(expected));
+}
+
 }  // namespace
 }  // namespace kzb::test

@@ -189,9 +189,11 @@ void add_machine_options(CLI::App& app, Words& words) {
     app.add_option("--zero-inductance", model.tables.zero_inductance,
                    "Inductance of the current common to all windings, H [0]")
         ->check(not_negative);
-    app.add_option("--base-coil-temperature", model.base_coil_temperature, "Temperature of the resistance, K")
+    app.add_option("--base-coil-temperature", model.base_coil_temperature,
+                   "Temperature of the resistance, K; a run is at 293.15 unless told")
         ->check(positive);
-    app.add_option("--base-magnet-temperature", model.base_magnet_temperature, "Magnet temperature of the map, K")
+    app.add_option("--base-magnet-temperature", model.base_magnet_temperature,
+                   "Magnet temperature of the map, K; a run is at 293.15 unless told")
         ->check(positive);
     app.add_option("--title", model.title, "Title of the model [name of the map]");
     app.add_option("--preparer", model.preparer, "Preparer of the model");

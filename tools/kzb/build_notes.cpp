@@ -37,6 +37,9 @@ void note_outside(const MachineMap& map, const TableGrids& grids, std::vector<st
                         beyond, grids.amplitude.nodes.size() * grids.phase.nodes.size(), map.id().front(),
                         map.id().back(), map.iq().front(), map.iq().back()));
     }
+    if (map.iq().front() >= 0.0) {
+        notes.emplace_back("the map has no q currents below zero; --mirror iq completes them by symmetry");
+    }
     if (!grids.phase.cyclic) {
         notes.push_back(
             fmt::format("the phase axis covers {:g} to {:g} deg; current phases beyond it are looked up at "

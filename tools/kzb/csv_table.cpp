@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "fmt/format.h"
@@ -60,8 +62,9 @@ std::optional<double> finite_number(std::string_view text) {
 }
 
 CsvTable CsvTable::read(const std::string& path) {
+    std::error_code ignored;
     std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    if (!file || std::filesystem::is_directory(path, ignored)) {
         throw Failure(exit_file, fmt::format("{}: cannot be opened, expected a CSV file", path));
     }
     std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -2,6 +2,7 @@
 //
 // Results on stdout, messages and progress on stderr. Exit codes: 0 done, 1 the run failed, 2 wrong usage, 3 a file
 // cannot be read or is not valid.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -20,15 +21,17 @@
 namespace kzb::tool {
 namespace {
 
-// The caller's stdout, kept aside; file descriptor 1 leads to stderr from here on.
+// The caller's stdout, kept aside; file descriptor 1 leads to stderr from here on. Null when started without a stdout.
 std::FILE* keep_results_aside() {
-    std::fflush(stdout);
-    const int kept = dup(STDOUT_FILENO);
-    if (kept < 0) {
-        return nullptr;  // started without a stdout
+    const int kept = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    // A closed descriptor would be given to the next file opened, and messages would end in that file.
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(fd, F_GETFD) < 0) {
+            static_cast<void>(open("/dev/null", O_RDWR));
+        }
     }
     dup2(STDERR_FILENO, STDOUT_FILENO);
-    return fdopen(kept, "w");
+    return kept < 0 ? nullptr : fdopen(kept, "w");
 }
 
 // CLI11 words its errors over several lines at times; a user gets one.

@@ -1,7 +1,7 @@
 #include "store/format/ascii_tokens.h"
 
 #include "store/format/file_marks.h"
-#include "store/format/number_text.h"
+#include "store/format/number_scan.h"
 #include "store/store.h"
 
 namespace kzb {

@@ -1,11 +1,11 @@
 // The ascii form of the store. Doubles keep eleven digits.
 #include <string>
 
+#include "diagnostics/number_text.h"
 #include "store/format/ascii_tokens.h"
 #include "store/format/file_marks.h"
 #include "store/format/file_sink.h"
 #include "store/format/model_file.h"
-#include "store/format/number_text.h"
 #include "store/store.h"
 
 namespace kzb {
@@ -20,7 +20,7 @@ std::string entry_head(std::string_view keyword, std::string_view type) {
 }
 
 void append_field(std::string& line, std::size_t value) {
-    append_int(line, static_cast<int>(value));
+    append_integer(line, static_cast<long long>(value), 0);
     line.append(",");
 }
 
@@ -28,13 +28,13 @@ void append_field(std::string& line, std::size_t value) {
 void put_block(FileSink& sink, int count, const double* values) {
     const auto held = values != nullptr && count > 0 ? static_cast<std::size_t>(count) : 0;
     std::string line;
-    append_int(line, static_cast<int>(held), 10);
+    append_integer(line, static_cast<long long>(held), 10);
     line.append(",\n");
     sink.put(line);
     for (std::size_t first = 0; first < held; first += values_per_line) {
         line.clear();
         for (std::size_t i = first; i < held && i < first + values_per_line; ++i) {
-            append_double(line, values[i]);
+            append_scientific(line, values[i], 20, 10);
         }
         line.append("\n");
         sink.put(line);
@@ -43,11 +43,11 @@ void put_block(FileSink& sink, int count, const double* values) {
 
 void put_table(FileSink& sink, const KZB_TABLE& table) {
     std::string line = entry_head(table.keyword, "table");
-    append_int(line, table.dim);
+    append_integer(line, table.dim, 0);
     line.append(",");
     for (const auto* fields : {&table.sizes, &table.cyclic}) {
         for (const int field : *fields) {
-            append_int(line, field);
+            append_integer(line, field, 0);
             line.append(",");
         }
     }
@@ -69,12 +69,12 @@ void put_category(FileSink& sink, const KZB_CATEGORY& category) {
     sink.put(line.append("#\n"));
     for (const auto& entry : category.ints) {
         line = entry_head(entry.keyword, "int");
-        append_int(line, entry.value);
+        append_integer(line, entry.value, 0);
         sink.put(line.append(terminator));
     }
     for (const auto& entry : category.doubles) {
         line = entry_head(entry.keyword, "double");
-        append_double(line, entry.value);
+        append_scientific(line, entry.value, 20, 10);
         sink.put(line.append(terminator));
     }
     for (const auto& entry : category.strings) {

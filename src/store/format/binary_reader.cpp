@@ -1,5 +1,6 @@
 #include "store/format/binary_reader.h"
 
+#include <algorithm>
 #include <string>
 
 #include "store/format/file_marks.h"
@@ -130,13 +131,12 @@ void BinaryReader::read_value(KZB_CATEGORY& category, std::string_view keyword, 
 void BinaryReader::read_string(KZB_CATEGORY& category, std::string_view keyword) {
     int length = -1;
     source_.take(length);
-    if (length < 0 || length > source_.remaining()) {
+    if (length < 0) {
         report_broken();
-        source_.skip(length);
         return;
     }
-    std::string text;
-    take_text(static_cast<std::size_t>(length), text);
+    std::string text;  // of a text longer than the file, the part that is there
+    take_text(static_cast<std::size_t>(std::min<std::int64_t>(length, source_.remaining())), text);
     category.strings.require(keyword).value = stored_text(std::move(text));
     check_terminator();
 }

@@ -3,8 +3,11 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
-#include <vector>
+#include <new>
+
+#include "table/table_shape.h"
 
 namespace kzb {
 namespace {
@@ -48,6 +51,13 @@ std::int64_t value_count(int dim, const int* sizes) {
 
 }  // namespace
 
+void put_off_body(KZB_TABLE& table, std::int64_t file_position) {
+    std::perror("memory allocation error");
+    const int rows[1] = {1};
+    table_create(table, 1, rows);
+    table.file_position = file_position;
+}
+
 bool BodyMemory::shape(KZB_TABLE& table, int dim, const int* sizes, std::int64_t backed) {
     constexpr std::int64_t bytes_per_value = sizeof(double);
     const std::int64_t count = value_count(dim, sizes);
@@ -56,14 +66,18 @@ bool BodyMemory::shape(KZB_TABLE& table, int dim, const int* sizes, std::int64_t
         return false;
     }
     unbacked_left_ -= unbacked;
-    // The record of a large table is created with one row per axis: its values then come from the slab, not the heap.
     const bool large = count >= least_count && count <= std::numeric_limits<int>::max() && reserve(count);
-    const std::vector<int> ones(large ? static_cast<std::size_t>(dim) : 0, 1);
-    const int status = table_create(table, dim, large ? ones.data() : sizes);
-    if (large && status == 0) {
-        enlarge(table, sizes, static_cast<int>(count));
+    if (large ? table_shape(table, dim, sizes) : table_create(table, dim, sizes) == 0) {
+        if (large) {
+            place_values(table);
+        }
+        return true;
     }
-    return true;
+    // A size below 1 stops the creation; the record then stays as far as it had come, and its blocks are read over.
+    if (count == 0 && table.dim > 0) {
+        return true;
+    }
+    throw std::bad_alloc();
 }
 
 // True when the slab has room for `count` doubles.
@@ -77,18 +91,11 @@ bool BodyMemory::reserve(std::int64_t count) {
     return slab_ && slab_bytes(count) <= slab_size_ - slab_used_;
 }
 
-// Gives the record its true shape, its values in the slab.
-void BodyMemory::enlarge(KZB_TABLE& table, const int* sizes, int count) {
-    int stride = 1;
-    for (std::size_t axis = table.sizes.size(); axis-- > 0;) {
-        table.sizes[axis] = sizes[axis];
-        table.strides[axis] = stride;
-        stride *= sizes[axis];
-    }
-    table.total = count;
+// Gives the record its values in the slab.
+void BodyMemory::place_values(KZB_TABLE& table) {
     auto* start = reinterpret_cast<double*>(static_cast<char*>(slab_.get()) + slab_used_);
-    slab_used_ += slab_bytes(count);
-    table.values.place(slab_, start, static_cast<std::size_t>(count));
+    slab_used_ += slab_bytes(table.total);
+    table.values.place(slab_, start, static_cast<std::size_t>(table.total));
 }
 
 }  // namespace kzb

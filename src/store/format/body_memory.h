@@ -11,18 +11,22 @@
 
 namespace kzb {
 
+// Makes the table a placeholder again whose body lies at `file_position`, for a later try, and tells that memory ran
+// out.
+void put_off_body(KZB_TABLE& table, std::int64_t file_position);
+
 class BodyMemory {
   public:
     explicit BodyMemory(std::int64_t file_size) : file_size_(file_size), unbacked_left_(file_size + small_grant) {}
 
     // Gives `table` the shape `sizes`; `backed` of its values stand in the file. False, with the table as it was, for a
     // shape that the file cannot back: values that it lacks are granted up to its own size and a little more, over all
-    // tables.
+    // tables. Throws bad_alloc where memory ran out, the table then has no body.
     bool shape(KZB_TABLE& table, int dim, const int* sizes, std::int64_t backed);
 
   private:
     bool reserve(std::int64_t count);
-    void enlarge(KZB_TABLE& table, const int* sizes, int count);
+    void place_values(KZB_TABLE& table);
 
     static constexpr std::int64_t small_grant = 65536;  // bytes: a small file may hold a table without values
     std::int64_t file_size_;

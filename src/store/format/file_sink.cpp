@@ -8,11 +8,11 @@
 namespace kzb {
 
 FileSink::FileSink(const std::string& path) {
+    buffer_.reserve(buffer_size);  // first: without memory the file stays as it is
     // Not blocking while it opens: a pipe that nobody reads counts as a file that cannot be opened.
     descriptor_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (descriptor_ >= 0) {
         fcntl(descriptor_, F_SETFL, fcntl(descriptor_, F_GETFL) & ~O_NONBLOCK);
-        buffer_.reserve(buffer_size);
     }
 }
 

@@ -54,11 +54,26 @@ std::size_t FileSource::read(void* to, std::size_t count) {
 }
 
 std::string_view FileSource::line(std::size_t limit) {
-    const std::string_view ahead = peek(limit);
+    // In a text the line's own two bytes count as one: it may be a byte longer in the file.
+    const std::string_view ahead = peek(limit + (text_ ? 1 : 0));
     const std::size_t feed = ahead.find('\n');
-    const std::string_view taken = feed == std::string_view::npos ? ahead : ahead.substr(0, feed + 1);
+    if (text_ && feed != std::string_view::npos && feed > 0 && ahead[feed - 1] == '\r') {
+        translated_.assign(ahead.substr(0, feed - 1)).push_back('\n');
+        begin_ += feed + 1;
+        return translated_;
+    }
+    const std::string_view taken = ahead.substr(0, std::min(limit, feed == std::string_view::npos ? limit : feed + 1));
     begin_ += taken.size();
     return taken;
+}
+
+// What a carriage return in a text stands for: itself, or with the line feed behind it the end of a line.
+int FileSource::get_behind_return() {
+    if (peek(1) != "\n") {
+        return '\r';
+    }
+    ++begin_;
+    return '\n';
 }
 
 void FileSource::skip(std::int64_t count) {

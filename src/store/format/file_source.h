@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace kzb {
@@ -26,12 +27,16 @@ class FileSource {
     std::int64_t position() const { return buffer_position_ + static_cast<std::int64_t>(begin_); }
     std::int64_t remaining() const { return size_ > position() ? size_ - position() : 0; }
 
+    // From now on get and line take the two bytes "\r\n" as one line feed. Positions and counts stay those of the file.
+    void read_as_text() { text_ = true; }
+
     // Next byte, or -1 at the end of the file.
     int get() {
         if (begin_ == end_ && !fill(1)) {
             return -1;
         }
-        return static_cast<unsigned char>(buffer_[begin_++]);
+        const int byte = static_cast<unsigned char>(buffer_[begin_++]);
+        return byte == '\r' && text_ ? get_behind_return() : byte;
     }
     // Up to `count` bytes (at most 4096) from here on, without taking them; shorter at the end of the file only.
     std::string_view peek(std::size_t count);
@@ -56,6 +61,7 @@ class FileSource {
     void seek(std::int64_t position);
 
   private:
+    int get_behind_return();
     bool fill(std::size_t wanted);
     std::size_t read_at(std::int64_t position, char* to, std::size_t count);
 
@@ -69,6 +75,8 @@ class FileSource {
     std::int64_t size_ = 0;
     int descriptor_ = -1;
     bool failed_ = false;
+    bool text_ = false;
+    std::string translated_;  // a line whose end is not as in the file
 };
 
 }  // namespace kzb

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <new>
+#include <string>
 
 #include "store/format/ascii_reader.h"
 #include "store/format/binary_reader.h"
@@ -9,7 +11,7 @@
 #include "store/format/file_marks.h"
 #include "store/format/file_source.h"
 #include "store/format/legacy_file.h"
-#include "store/format/number_text.h"
+#include "store/format/number_scan.h"
 #include "store/format/table_bodies.h"
 #include "store/store.h"
 
@@ -40,7 +42,20 @@ int read_form(KZB_STORE& store, FileSource& source) {
     if (!has_form_mark(source)) {
         return read_legacy_file(store, source);
     }
-    return store.input_type == "ascii" ? read_ascii(store, source) : read_binary(store, source);
+    if (store.input_type != "ascii") {
+        return read_binary(store, source);
+    }
+    source.read_as_text();
+    return read_ascii(store, source);
+}
+
+// Tables of an earlier file that are not loaded yet: their places mean nothing in another file. They stay empty.
+void detach_placeholders(KZB_STORE& store) {
+    for (KZB_CATEGORY& category : store.categories) {
+        for (KZB_TABLE& table : category.tables) {
+            table.file_position = 0;
+        }
+    }
 }
 
 // Whether the file brings iron loss, from what it holds.
@@ -56,9 +71,20 @@ void put_ironloss_mark(KZB_STORE& store) {
 
 int read_model_file(KZB_STORE& store, const char* path) {
     FileSource source(path);
-    store.input_type = is_ascii(source) ? "ascii" : "binary";
-    store.input_path = path == nullptr ? "" : path;
-    const int result = read_form(store, source);
+    const std::string input_type = is_ascii(source) ? "ascii" : "binary";
+    const std::string input_path = path == nullptr ? "" : path;
+    if (input_type != store.input_type || input_path != store.input_path) {
+        detach_placeholders(store);
+    }
+    store.input_type = input_type;
+    store.input_path = input_path;
+    ++store.revision;
+    int result = 1;
+    try {
+        result = read_form(store, source);
+    } catch (const std::bad_alloc&) {
+        // What was read stays, and the steps behind reading run.
+    }
     ++store.revision;
     put_ironloss_mark(store);
     if (has_parameter(store, "control", "incomplete")) {
@@ -70,6 +96,7 @@ int read_model_file(KZB_STORE& store, const char* path) {
 void read_tables(KZB_STORE& store) {
     FileSource source(store.input_path.c_str());
     if (!source.is_open()) {
+        store.error = 90001;
         print_reading_error();
         return;
     }
@@ -78,6 +105,9 @@ void read_tables(KZB_STORE& store) {
         return;
     }
     const bool ascii = store.input_type == "ascii";
+    if (ascii) {
+        source.read_as_text();
+    }
     BodyMemory memory(source.size());
     for (KZB_CATEGORY& category : store.categories) {
         if (!application_loads(store, category.name)) {

@@ -1,7 +1,9 @@
-// What the first stage of reading leaves of a table: one axis, one row, and where the body lies in the file.
+// What the first stage of reading leaves of a table: one axis, one row, and where the body lies in the file. Throws
+// bad_alloc where there is no memory even for that. Keywords that reach the limit of names do not come here.
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <string_view>
 
 #include "store/store.h"
@@ -13,9 +15,10 @@ inline void put_placeholder(KZB_STORE& store, KZB_CATEGORY& category, std::strin
     const int rows[1] = {1};
     int status = 1;
     KZB_TABLE* table = table_create_in_category(store, category, keyword, 1, rows, status);
-    if (table != nullptr && status == 0) {
-        table->file_position = file_position;
+    if (status != 0) {
+        throw std::bad_alloc();
     }
+    table->file_position = file_position;
 }
 
 }  // namespace kzb

@@ -112,6 +112,7 @@ int make_dq0_from_UVW_current(KZB_STORE& store) {
     for_each_point(rows, [&](int i, int j, int k) {
         const Uvw phases{current.get({i, j, k, 0}), current.get({i, j, k, 1}), current.get({i, j, k, 2})};
         const Dq0 axes = frames[static_cast<std::size_t>(k)].dq0(phases);
+        // Kept: the zero part of the currents is dropped.
         d.set({i, j, k}, axes.d);
         q.set({i, j, k}, axes.q);
     });

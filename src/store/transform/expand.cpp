@@ -1,44 +1,36 @@
-// Full tables in place of those that hold half the range of the current phase, so that lookups need not fold.
+// Full tables in place of those that hold the current phases -90 to 90 degrees, half their range, so that lookups need
+// not fold.
 //
 // Each point of a full table is a linear lookup of the compact one while its fold is still active:
 //
 //   phase nodes x in [-90, 0]: x + 360 and 540 - (x + 360);  x in [0, 90]: x and 180 - x;  and 0 and 360
 //
-// A table is replaced only if all are as they must be: on a failure before that nothing has changed.
+// All tables are checked before the first is replaced: a failure leaves them and control/use_phase_symmetry as they
+// are, so that lookups fold as before.
 #include <algorithm>
-#include <boost/lexical_cast/try_lexical_convert.hpp>
 #include <cstdint>
 #include <iterator>
 #include <limits>
-#include <map>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "store/lookup_front.h"
+#include "store/motor_type.h"
 #include "store/store.h"
+#include "store/table_calls.h"
+#include "store/transform/expansion_list.h"
 #include "store/transform/table_copy.h"
 #include "store/transform/transforms.h"
 
 namespace kzb {
 namespace {
 
-constexpr int outside_of_table = 90010;
 constexpr int no_phase_symmetry = 90030;
-constexpr double node_tolerance = 1e-10;
-
-struct Expansion {
-    std::string category;
-    std::string key;
-    int components;  // nodes 0, 1 .. of the last axis; 0: the last axis stays
-    int widened_axis;
-    std::vector<int> cyclic;  // of all axes; its length is the number of axes that the table must have
-};
 
 void add_node(std::set<double>& nodes, double node) {
     const auto above = nodes.lower_bound(node);
-    const bool near_above = above != nodes.end() && *above - node < node_tolerance;
-    const bool near_below = above != nodes.begin() && node - *std::prev(above) < node_tolerance;
+    const bool near_above = above != nodes.end() && *above - node < KZB_AXIS_TOL;
+    const bool near_below = above != nodes.begin() && node - *std::prev(above) < KZB_AXIS_TOL;
     if (!near_above && !near_below) {
         nodes.insert(node);
     }
@@ -47,10 +39,10 @@ void add_node(std::set<double>& nodes, double node) {
 std::vector<double> widened(const std::vector<double>& phases) {
     std::set<double> nodes = {0.0, 360.0};
     for (const double x : phases) {
-        if (x > -90.0000000001 && x < node_tolerance) {
+        if (x > -90.0000000001 && x < KZB_AXIS_TOL) {
             add_node(nodes, x + 360);
             add_node(nodes, 270 - (x + 360 - 270));
-        } else if (x > -node_tolerance && x < 90.0000000001) {
+        } else if (x > -KZB_AXIS_TOL && x < 90.0000000001) {
             add_node(nodes, x);
             add_node(nodes, 90 + (90 - x));
         }
@@ -64,73 +56,6 @@ std::vector<double> component_nodes(int count) {
         nodes.push_back(c);
     }
     return nodes;
-}
-
-// Ids of the materials of a loss category by rising number m, each once. A number without an entry matID<m> has id 0,
-// as any absent int.
-std::vector<int> material_ids(const KZB_CATEGORY& category) {
-    const auto* count = category.ints.find("numMat");
-    std::map<int, int> id_of_number;
-    for (const auto& entry : category.ints) {
-        int m = 0;
-        const bool names_material = entry.keyword.starts_with("matID") &&
-                                    boost::conversion::try_lexical_convert(entry.keyword.substr(5), m) &&
-                                    entry.keyword == "matID" + std::to_string(m);
-        if (count != nullptr && names_material && m >= 1 && m <= count->value) {
-            id_of_number.emplace(m, entry.value);
-        }
-    }
-    std::vector<int> ids;
-    std::set<int> seen;
-    for (const auto& [m, id] : id_of_number) {
-        if (seen.insert(id).second) {
-            ids.push_back(id);
-        }
-    }
-    const bool some_absent = count != nullptr && static_cast<int>(id_of_number.size()) < count->value;
-    if (some_absent && seen.insert(0).second) {
-        ids.push_back(0);
-    }
-    return ids;
-}
-
-void add_materials(const KZB_STORE& store, const std::vector<int>& cyclic, std::vector<Expansion>& expansions) {
-    for (const char* category : {"eddyloss", "hysloss"}) {
-        const KZB_CATEGORY* found = find_category(store, category);
-        if (found == nullptr) {
-            continue;
-        }
-        for (const int id : material_ids(*found)) {
-            expansions.push_back({category, category + std::to_string(id), 0, 2, cyclic});
-        }
-    }
-}
-
-std::vector<Expansion> expansions_of_pmsm(const KZB_STORE& store) {
-    std::vector<Expansion> expansions = {
-        {"current_flux", "flux", 3, 2, {0, 1, 1, 0}},
-        {"harmonic_inductance", "inductance", 9, 2, {0, 1, 1, 0}},
-        {"harmonic_torque", "torque_ibeta", 0, 1, {1, 1, 0}},
-    };
-    add_materials(store, {0, 1, 0}, expansions);
-    return expansions;
-}
-
-std::vector<Expansion> expansions_of_linear() {
-    return {
-        {"distance_force", "force", 0, 1, {1, 1, 0}},
-        {"distance_force", "attractive_force", 0, 1, {1, 1, 0}},
-    };
-}
-
-std::vector<Expansion> expansions_of_wound_field(const KZB_STORE& store) {
-    std::vector<Expansion> expansions = {
-        {"current_flux", "flux", 3, 2, {0, 1, 0, 1, 0}},
-        {"harmonic_inductance", "inductance", 16, 2, {0, 1, 0, 1, 0}},
-        {"harmonic_torque", "torque_ibeta", 0, 2, {0, 1, 0, 1}},
-    };
-    add_materials(store, {0, 1, 0, 0}, expansions);
-    return expansions;
 }
 
 using Grids = std::vector<std::vector<double>>;
@@ -234,19 +159,6 @@ int expand_all(KZB_STORE& store, const std::vector<Expansion>& expansions) {
     return 0;
 }
 
-// A force table that was loaded with other than 3 axes does not fold: there is nothing to expand.
-std::vector<Expansion> folding_forces(const KZB_STORE& store) {
-    std::vector<Expansion> expansions;
-    for (Expansion& expansion : expansions_of_linear()) {
-        const KZB_TABLE* table = find_table(store, expansion.category, expansion.key);
-        const bool is_placeholder = table != nullptr && table->file_position != 0 && table->loaded != 1;
-        if (table != nullptr && (table->dim == 3 || is_placeholder)) {
-            expansions.push_back(expansion);
-        }
-    }
-    return expansions;
-}
-
 bool application_without_folds(const KZB_STORE& store) {
     return store.application == "SimpleHarmonic" || store.application == "LdLq" ||
            store.application == "FluxIntegralDQTheta";
@@ -260,16 +172,16 @@ int expand_table_considering_phase_symmetry(KZB_STORE& store) {
     }
     int result = 0;
     switch (get_int(store, "control", "motor_type")) {
-        case 10000:
+        case motor_type::pmsm:
             if (application_without_folds(store)) {
                 return 0;
             }
             result = store.application == "Harmonic" ? expand_all(store, expansions_of_pmsm(store)) : 0;
             break;
-        case 10005:
-            result = expand_all(store, folding_forces(store));
+        case motor_type::linear_synchronous:
+            result = expand_all(store, expansions_of_linear(store));
             break;
-        case 10007:
+        case motor_type::wound_field:
             if (get_int(store, "control", "current_type") != 1) {
                 return 1;
             }
@@ -280,7 +192,8 @@ int expand_table_considering_phase_symmetry(KZB_STORE& store) {
             put_int(store, "control", "use_phase_symmetry", 0);
             return 1;
     }
-    // After a failure the compact tables that are left still need their fold; the full ones stand it.
+    // A failure leaves the flag: compact tables still need their fold, and full ones, where memory ran out on the way,
+    // stand it.
     if (result == 0) {
         put_int(store, "control", "use_phase_symmetry", 0);
     }

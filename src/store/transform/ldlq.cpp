@@ -11,6 +11,7 @@
 
 #include "store/lookup_front.h"
 #include "store/store.h"
+#include "store/table_calls.h"
 #include "store/transform/frame.h"
 #include "store/transform/table_copy.h"
 #include "store/transform/transforms.h"
@@ -162,7 +163,7 @@ void fill_torque(KZB_STORE& store) {
     copy_axis(store, source, 1, target, 1);
     // Node 0 of axis 2 stays the unwritten 0.0.
     for (int k = 1; k < filled_rows(source, 3); ++k) {
-        table_set_axis_value(target, 2, k, node_of(store, source, 3, k));
+        table_set_axis_value(target, 2, k, axis_value_or_error(store, source, 3, k));
     }
     Cells torque(source, 3);
     Cells mean(target, 2);

@@ -11,15 +11,11 @@
 
 #include <cmath>
 
+#include "store/motor_type.h"
 #include "store/store.h"
 
 namespace kzb {
 namespace {
-
-constexpr int pmsm = 10000;
-constexpr int linear_synchronous = 10005;
-constexpr int wound_field = 10007;
-constexpr double node_tolerance = 1e-10;
 
 struct Rule {
     int motor_type;
@@ -32,18 +28,18 @@ struct Rule {
 };
 
 constexpr Rule rules[] = {
-    {pmsm, "current_flux", "flux", 2, 3, 1.0, FoldShift::flux_of_three},
-    {pmsm, "harmonic_inductance", "inductance", 2, 3, 1.0, FoldShift::inductance_of_three},
-    {pmsm, "harmonic_torque", "torque_ibeta", 1, 2, -1.0, FoldShift::none},
-    {pmsm, "hysloss", "", 2, 0, 1.0, FoldShift::none},
-    {pmsm, "eddyloss", "", 2, 0, 1.0, FoldShift::none},
-    {linear_synchronous, "distance_force", "force", 1, 2, -1.0, FoldShift::none},
-    {linear_synchronous, "distance_force", "attractive_force", 1, 2, 1.0, FoldShift::none},
-    {wound_field, "current_flux", "flux", 2, 4, 1.0, FoldShift::flux_of_four},
-    {wound_field, "harmonic_inductance", "inductance", 2, 4, 1.0, FoldShift::inductance_of_four},
-    {wound_field, "harmonic_torque", "torque_ibeta", 2, 4, -1.0, FoldShift::none},
-    {wound_field, "hysloss", "", 2, 0, 1.0, FoldShift::none},
-    {wound_field, "eddyloss", "", 2, 0, 1.0, FoldShift::none},
+    {motor_type::pmsm, "current_flux", "flux", 2, 3, 1.0, FoldShift::flux_of_three},
+    {motor_type::pmsm, "harmonic_inductance", "inductance", 2, 3, 1.0, FoldShift::inductance_of_three},
+    {motor_type::pmsm, "harmonic_torque", "torque_ibeta", 1, 2, -1.0, FoldShift::none},
+    {motor_type::pmsm, "hysloss", "", 2, 0, 1.0, FoldShift::none},
+    {motor_type::pmsm, "eddyloss", "", 2, 0, 1.0, FoldShift::none},
+    {motor_type::linear_synchronous, "distance_force", "force", 1, 2, -1.0, FoldShift::none},
+    {motor_type::linear_synchronous, "distance_force", "attractive_force", 1, 2, 1.0, FoldShift::none},
+    {motor_type::wound_field, "current_flux", "flux", 2, 4, 1.0, FoldShift::flux_of_four},
+    {motor_type::wound_field, "harmonic_inductance", "inductance", 2, 4, 1.0, FoldShift::inductance_of_four},
+    {motor_type::wound_field, "harmonic_torque", "torque_ibeta", 2, 4, -1.0, FoldShift::none},
+    {motor_type::wound_field, "hysloss", "", 2, 0, 1.0, FoldShift::none},
+    {motor_type::wound_field, "eddyloss", "", 2, 0, 1.0, FoldShift::none},
 };
 
 const Rule* rule_of(int motor_type, std::string_view category, std::string_view key) {
@@ -57,9 +53,9 @@ const Rule* rule_of(int motor_type, std::string_view category, std::string_view 
 
 bool folds_at_all(const KZB_STORE& store, const Rule& rule, const KZB_TABLE& table) {
     switch (rule.motor_type) {
-        case pmsm:
+        case motor_type::pmsm:
             return has_category(store, "harmonic_torque");
-        case linear_synchronous:
+        case motor_type::linear_synchronous:
             return table.dim == 3;
         default:
             return get_int(store, "control", "current_type") == 1;
@@ -67,10 +63,10 @@ bool folds_at_all(const KZB_STORE& store, const Rule& rule, const KZB_TABLE& tab
 }
 
 double wrap(double t, double lo, double hi, double step) {
-    if (std::fabs(t - lo) < node_tolerance) {
+    if (std::fabs(t - lo) < KZB_AXIS_TOL) {
         return lo;
     }
-    if (std::fabs(t - hi) < node_tolerance) {
+    if (std::fabs(t - hi) < KZB_AXIS_TOL) {
         return hi;
     }
     for (int pass = 0; pass < 10 && !(lo <= t && t <= hi); ++pass) {
@@ -96,7 +92,7 @@ double wrap_to_axis(double t, const KZB_TABLE& table, int axis, bool step_is_ran
 }
 
 double mirrored_phase(double t) {
-    if (std::fabs(t - 180.0) < node_tolerance) {
+    if (std::fabs(t - 180.0) < KZB_AXIS_TOL) {
         return 0.0;
     }
     if (90.0 < t && t < 180.0) {
@@ -153,10 +149,10 @@ double position_shift(const PhaseFold& fold, const KZB_TABLE& table, const doubl
 }
 
 double mirrored_position(double v, double period) {
-    if (std::fabs(v) < node_tolerance) {
+    if (std::fabs(v) < KZB_AXIS_TOL) {
         return period;
     }
-    if (std::fabs(v - period) < node_tolerance) {
+    if (std::fabs(v - period) < KZB_AXIS_TOL) {
         return 0.0;
     }
     return 0.0 < v && v < period ? period - v : v;
@@ -183,8 +179,8 @@ PhaseFold phase_fold_of(const KZB_STORE& store, std::string_view category, std::
     fold.shift = rule->shift;
     fold.pole_pairs = poles == 0 ? 1.0 : poles * 0.5;
     fold.beta_zero = get_double(store, "control", "beta_zero") / fold.pole_pairs;
-    fold.period = rule->motor_type == linear_synchronous ? get_double(store, "control", "electrical_length")
-                                                         : 360 / fold.pole_pairs;
+    fold.period = rule->motor_type == motor_type::linear_synchronous ? get_double(store, "control", "electrical_length")
+                                                                     : 360 / fold.pole_pairs;
     return fold;
 }
 

@@ -1,5 +1,5 @@
-// Phase symmetry: a file may hold a quarter of the current-phase range; lookups of certain tables then fold their
-// coordinates into it.
+// Phase symmetry: a file may hold the current phases -90 to 90 degrees alone, half their range; lookups of certain
+// tables then fold their coordinates into it.
 //
 // The rule of a table depends on category "control" and on the table's names; it is made once per resolved table. The
 // fold acts on a caller's copy of the coordinates and gives the factor of the result (1.0, or -1.0 for a torque in the
@@ -14,7 +14,8 @@ struct KZB_STORE;
 
 namespace kzb {
 
-// What the third coordinate group of the rule adds to the position: see phase_fold.cpp.
+// The shift subtracted from a mirrored position; it depends on the component coordinate, the number of the winding
+// phase or of the element of the inductance matrix.
 enum class FoldShift { none, flux_of_three, inductance_of_three, flux_of_four, inductance_of_four };
 
 struct PhaseFold {

@@ -66,6 +66,7 @@ double mean_of(const std::vector<double>& samples, bool plain) {
     return plain ? plain_sum(samples) / count : trapezoid_sum(samples) / (count - 1);
 }
 
+// Kept: divided in integers, an odd pole count loses its half pair.
 int pole_pairs(const KZB_STORE& store) {
     return get_int(store, "control", "number_of_poles") / 2;
 }

@@ -13,18 +13,14 @@ int skew_harmonic(KZB_STORE& store, const Skew& skew, const Method& method) {
     return skew_table(store, "current_flux", "mag_flux", 0, 1, skew, method);
 }
 
-bool holds_double(const KZB_STORE& store, const char* category, const char* key) {
-    const KZB_CATEGORY* found = find_category(store, category);
-    return found != nullptr && found->doubles.find(key) != nullptr;
-}
-
-// The result is that of the last scalar done, 1 when there is none.
+// A parameter of any kind counts as present; one that is no double reads 0.0. The result is that of the last scalar
+// done, 1 when there is none.
 int skew_ldlq_scalars(KZB_STORE& store, const Skew& skew) {
     int result = 1;
-    if (holds_double(store, "d_flux", "d_flux")) {
+    if (has_parameter(store, "d_flux", "d_flux")) {
         result = skew_scalar(store, "d_flux", "d_flux", skew);
     }
-    if (holds_double(store, "information", "magflux")) {
+    if (has_parameter(store, "information", "magflux")) {
         result = skew_scalar(store, "information", "magflux", skew);
     }
     return result;
@@ -62,7 +58,7 @@ bool flux_integral_is_selected(const KZB_STORE& store) {
 int apply_skew(int type_a, int type_b, double angle_a, double angle_b, int steps_a, int steps_b, const char* method,
                KZB_STORE& store) {
     const Skew skew{{type_a, angle_a, steps_a}, {type_b, angle_b, steps_b}};
-    const Method named = Method::named(method == nullptr ? "" : method);
+    const Method named = Method::named(method);
     int result = 1;
     if (has_application(store, "PMSM", "Harmonic")) {
         result = skew_harmonic(store, skew, named);

@@ -4,43 +4,25 @@
 #include <algorithm>
 
 #include "store/store.h"
+#include "store/table_calls.h"
 
 namespace kzb {
-namespace {
-
-constexpr int outside_of_table = 90010;
-
-bool has_axis(const KZB_TABLE* table, int axis) {
-    return table != nullptr && axis >= 1 && axis <= table->dim && static_cast<std::size_t>(axis) <= table->axes.size();
-}
-
-}  // namespace
 
 int filled_rows(const KZB_TABLE* table, int axis) {
     // A record whose creation failed may hold sizes without values: it has nothing to read.
-    return has_axis(table, axis) && table->values ? table->sizes[static_cast<std::size_t>(axis - 1)] : 0;
-}
-
-double node_of(KZB_STORE& store, const KZB_TABLE* table, int axis, int index) {
-    const double node = table_get_axis_value(table, axis, index);
-    if (node == KZB_NO_VALUE) {
-        store.error = outside_of_table;
-    }
-    return node;
+    const bool filled = table != nullptr && table->values && axis >= 1 && axis <= table->dim;
+    return filled ? table->sizes[static_cast<std::size_t>(axis - 1)] : 0;
 }
 
 std::vector<double> nodes_of(KZB_STORE& store, const KZB_TABLE* table, int axis) {
     std::vector<double> nodes(static_cast<std::size_t>(filled_rows(table, axis)));
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        nodes[i] = node_of(store, table, axis, static_cast<int>(i));
+        nodes[i] = axis_value_or_error(store, table, axis, static_cast<int>(i));
     }
     return nodes;
 }
 
 void set_nodes(KZB_TABLE* table, int axis, const std::vector<double>& nodes) {
-    if (!has_axis(table, axis)) {
-        return;
-    }
     for (std::size_t i = 0; i < nodes.size(); ++i) {
         table_set_axis_value(table, axis, static_cast<int>(i), nodes[i]);
     }
@@ -93,11 +75,8 @@ int copy_table(KZB_STORE& store, std::string_view category, std::string_view fro
         return 0;
     }
     std::copy_n(source->values.data(), std::min(source->values.size(), copy->values.size()), copy->values.data());
-    for (std::size_t a = 0; a < sizes.size(); ++a) {
-        const ZeroedArray& grid = source->axes[a];
-        if (grid) {
-            set_nodes(copy, static_cast<int>(a + 1), std::vector<double>(grid.data(), grid.data() + grid.size()));
-        }
+    for (int axis = 1; axis <= source->dim; ++axis) {
+        copy_axis(store, source, axis, copy, axis);
     }
     copy->cyclic = source->cyclic;
     return 0;

@@ -16,8 +16,7 @@ namespace kzb {
 // Rows of an axis from 1 of a table that has values; 0 for any other table or axis.
 int filled_rows(const KZB_TABLE* table, int axis);
 
-// A node of an axis from 1. Where there is none: KZB_NO_VALUE, and error 90010 in the store.
-double node_of(KZB_STORE& store, const KZB_TABLE* table, int axis, int index);
+// The nodes of an axis from 1. On an axis without a grid each is KZB_NO_VALUE, and the store's error is 90010.
 std::vector<double> nodes_of(KZB_STORE& store, const KZB_TABLE* table, int axis);
 
 void set_nodes(KZB_TABLE* table, int axis, const std::vector<double>& nodes);
@@ -40,7 +39,7 @@ class Cells {
 };
 
 // Copies shape, values, grids and cyclic flags of category/from to category/to. An absent table is copied as one of no
-// axes. 0, or 1 when the copy could not be made.
+// axes; an axis without a grid gets one of KZB_NO_VALUE, as it reads. 0, or 1 when the copy could not be made.
 int copy_table(KZB_STORE& store, std::string_view category, std::string_view from, std::string_view to);
 
 // Steps an index vector through a table, last axis fastest; false after the last point.

@@ -21,12 +21,14 @@ int make_UVW_from_dq0_current(KZB_STORE& store);
 int make_LdLq(KZB_STORE& store);
 
 // Replaces the tables by their mean over the slices of a skewed stack: 0, or 1 when nothing was done. Types: 0 none,
-// 1 and 2 continuous, 3 in `steps` steps. Angles in mechanical degrees. A null method is an unknown one.
+// 1 and 2 continuous, 3 in `steps` steps. Angles in mechanical degrees. An unknown method has
+// no value at any sample.
 int apply_skew(int type_a, int type_b, double angle_a, double angle_b, int steps_a, int steps_b, const char* method,
                KZB_STORE& store);
 
-// Replaces tables that hold half the range of the current phase by full ones and clears control/use_phase_symmetry.
-// 0, or 1 for a failure.
+// Replaces tables that hold the current phases -90 to 90 degrees, half their range, by full ones and clears
+// control/use_phase_symmetry. 0, or 1 for a failure, which leaves the flag and the tables as they are (error 90030
+// clears the flag).
 int expand_table_considering_phase_symmetry(KZB_STORE& store);
 
 }  // namespace kzb

@@ -193,8 +193,22 @@ TEST_F(BinaryReading, lengths_and_counts_that_cannot_be_true_are_told) {
         EXPECT_THAT(err_, HasSubstr("this file is broken\n: "));
         EXPECT_EQ(out_, "file reading error\n");
         EXPECT_EQ(get_int(store, "c", "a"), 1);
-        EXPECT_FALSE(has_parameter(store, "c", "s"));
     }
+}
+
+TEST_F(BinaryReading, string_longer_than_the_file_keeps_the_part_that_is_there) {
+    for (const int announced : {5, 6, 2147483647}) {
+        KZB_STORE store;
+        const std::string file =
+            write(Bytes().head().category("c", 0, 0, 1, 0).entry("s", 2).int32(announced).raw("text").str());
+        EXPECT_EQ(captured([&] { return read_model_file(store, file.c_str()); }), 1);
+        EXPECT_THAT(err_, HasSubstr("this file is broken\n: "));
+        EXPECT_STREQ(get_string(store, "c", "s"), "text");
+    }
+    KZB_STORE store;
+    const std::string file = write(Bytes().head().category("c", 0, 0, 1, 0).entry("s", 2).int32(-1).str());
+    captured([&] { return read_model_file(store, file.c_str()); });
+    EXPECT_FALSE(has_parameter(store, "c", "s"));
 }
 
 TEST_F(BinaryReading, count_of_entries_beyond_the_file_ends_with_the_file) {

@@ -56,6 +56,16 @@ TEST_F(ReaderChoice, environment_counts_by_its_leading_number) {
     }
 }
 
+TEST_F(ReaderChoice, ascii_by_environment_fails_at_once_on_a_first_character_of_its_own) {
+    setenv("KZB_READING_ASCII", "1", 1);
+    for (const char* front : {"x", " ", "\n", "#", "$$", "*"}) {
+        KZB_STORE store;
+        const std::string file = write(front + tiny_ascii);
+        EXPECT_EQ(captured([&] { return read_model_file(store, file.c_str()); }), 1) << front;
+        EXPECT_FALSE(has_category(store, "control")) << front;
+    }
+}
+
 TEST_F(RefusedFile, head_with_the_mark_but_not_of_this_form_is_broken) {
     EXPECT_EQ(read("$DORN-KZc,#\n$end_of_kzb_file,#\n"), 1);
     EXPECT_EQ(store_.input_type, "binary");

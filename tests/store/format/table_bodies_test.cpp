@@ -71,11 +71,12 @@ TEST_F(TableBodies, old_and_vanished_files_are_told_on_standard_output) {
     write("an old file without the mark");
     load();
     EXPECT_EQ(out_, "The table values have been already read in case of old formats files.\n");
+    EXPECT_EQ(store_.error, 0);
     std::filesystem::remove(path());
     load();
     EXPECT_EQ(out_, "file reading error\n");
     EXPECT_EQ(table("control", "t").loaded, 0);
-    EXPECT_EQ(store_.error, 0);
+    EXPECT_EQ(store_.error, 90001);
 }
 
 TEST_F(TableBodies, file_cut_after_the_first_stage_leaves_the_placeholder) {
@@ -103,6 +104,21 @@ TEST_F(TableBodies, size_below_one_stops_the_creation) {
         EXPECT_EQ(table_get_axis_value(&table("control", "t"), 1, 0), KZB_NO_VALUE);
         EXPECT_TRUE(write_binary(store_, path("out")));
     }
+}
+
+TEST_F(TableBodies, size_below_one_among_very_many_axes_stops_the_creation_too) {
+    std::vector<int> sizes(100, 1);
+    sizes[2] = 0;
+    const std::vector<std::vector<double>> grids(100);
+    const auto bad = Bytes().table_entry("t", sizes, std::vector<int>(100, 0), {}, grids).str();
+    EXPECT_EQ(read(binary_table_file(bad + Bytes().sample_table("u").str(), 2)), 0);
+    load();
+    EXPECT_THAT(err_, HasSubstr("The num of row is zero.\n: "));
+    EXPECT_THAT(err_, Not(HasSubstr("memory")));
+    EXPECT_EQ(table("control", "t").loaded, 1);
+    EXPECT_FALSE(table("control", "t").values);
+    expect_sample_table(table("control", "u"));
+    EXPECT_TRUE(write_binary(store_, path("out")));
 }
 
 TEST_F(TableBodies, binary_blocks_without_doubles_leave_zeros_and_no_grid) {

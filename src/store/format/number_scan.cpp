@@ -1,4 +1,4 @@
-#include "store/format/number_text.h"
+#include "store/format/number_scan.h"
 
 #include <algorithm>
 #include <charconv>
@@ -24,6 +24,61 @@ bool take_sign(std::string_view& text) {
         text.remove_prefix(1);
     }
     return negative;
+}
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// `word` is in small letters.
+bool starts_with_word(std::string_view text, std::string_view word) {
+    return text.size() >= word.size() && std::equal(word.begin(), word.end(), text.begin(),
+                                                    [](char expected, char c) { return lower(c) == expected; });
+}
+
+// The characters of a number, 0 for none.
+struct Extent {
+    std::size_t length = 0;
+    bool hex = false;  // with "0x" in front
+};
+
+// "nan", "inf" or "infinity"; "inf" that goes on with an "i" must be the long word.
+Extent word_extent(std::string_view text) {
+    if (starts_with_word(text, "nan")) {
+        return {3};
+    }
+    if (starts_with_word(text, "infi")) {
+        return {starts_with_word(text, "infinity") ? std::size_t{8} : 0};
+    }
+    return {starts_with_word(text, "inf") ? std::size_t{3} : 0};
+}
+
+// Digits with one point, and behind a digit one exponent, its sign and its digits, each of which may be missing.
+Extent number_extent(std::string_view text) {
+    Extent extent;
+    extent.hex = starts_with_word(text, "0x");
+    const std::size_t start = extent.hex ? 2 : 0;
+    const char exponent_letter = extent.hex ? 'p' : 'e';
+    bool digit = false;
+    bool point = false;
+    bool exponent = false;
+    std::size_t i = start;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        if (is_digit(c) || (extent.hex && !exponent && is_hex_digit(c))) {
+            digit = true;
+        } else if (exponent && (c == '+' || c == '-') && lower(text[i - 1]) == exponent_letter) {
+            continue;
+        } else if (digit && !exponent && lower(c) == exponent_letter) {
+            exponent = true;
+        } else if (!point && !exponent && c == '.') {
+            point = true;
+        } else {
+            break;
+        }
+    }
+    extent.length = i == start ? 0 : i;
+    return extent;
 }
 
 // True when a number beyond the range of double is too large, false when it is too small: by the power of its first
@@ -81,45 +136,26 @@ bool scan_int(std::string_view& text, int& value) {
 bool scan_double(std::string_view& text, double& value) {
     std::string_view rest = text;
     const bool negative = take_sign(rest);
-    // "0x" counts as the start of a hexadecimal number only if a digit of one follows.
-    const bool hex = rest.size() > 2 && rest[0] == '0' && (rest[1] == 'x' || rest[1] == 'X') &&
-                     (is_hex_digit(rest[2]) || (rest[2] == '.' && rest.size() > 3 && is_hex_digit(rest[3])));
-    if (hex) {
-        rest.remove_prefix(2);
-    }
-    if (rest.starts_with('-')) {  // a second sign
+    const Extent word = word_extent(rest);
+    const Extent number = word.length != 0 ? word : number_extent(rest);
+    if (number.length == 0) {
         return false;
     }
+    const std::string_view digits = rest.substr(number.hex ? 2 : 0, number.length - (number.hex ? 2 : 0));
     double magnitude = 0.0;
-    const auto parsed = std::from_chars(rest.data(), rest.data() + rest.size(), magnitude,
-                                        hex ? std::chars_format::hex : std::chars_format::general);
-    if (parsed.ec == std::errc::invalid_argument) {
-        return false;
+    const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), magnitude,
+                                        number.hex ? std::chars_format::hex : std::chars_format::general);
+    if (parsed.ec == std::errc::invalid_argument && !number.hex) {
+        return false;  // a point alone; "0x." has the digit 0
     }
-    const auto length = static_cast<std::size_t>(parsed.ptr - rest.data());
     if (parsed.ec == std::errc::result_out_of_range) {
-        magnitude = is_huge(rest.substr(0, length), hex) ? std::numeric_limits<double>::infinity() : 0.0;
+        const auto length = static_cast<std::size_t>(parsed.ptr - digits.data());
+        magnitude = is_huge(digits.substr(0, length), number.hex) ? std::numeric_limits<double>::infinity() : 0.0;
     }
     value = negative ? -magnitude : magnitude;
-    rest.remove_prefix(length);
+    rest.remove_prefix(number.length);
     text = rest;
     return true;
-}
-
-void append_double(std::string& out, double value) {
-    char digits[40];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific, 10).ptr;
-    const auto length = static_cast<std::size_t>(end - digits);
-    out.append(length < 20 ? 20 - length : 0, ' ');
-    out.append(digits, length);
-}
-
-void append_int(std::string& out, int value, std::size_t width) {
-    char digits[16];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    const auto length = static_cast<std::size_t>(end - digits);
-    out.append(length < width ? width - length : 0, ' ');
-    out.append(digits, length);
 }
 
 }  // namespace kzb
