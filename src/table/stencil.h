@@ -6,8 +6,8 @@
 namespace kzb {
 
 struct Stencil {
-    int count = 0;      // entries in use
-    int index[6];  // value indices; the cubic stencil of a cyclic axis of one node has invalid ones
+    int count = 0;  // entries in use
+    int index[6];   // value indices; the cubic stencil of a cyclic axis of one node has invalid ones
     double node[6];
 };
 
