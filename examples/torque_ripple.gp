@@ -18,7 +18,7 @@ do for [format in "png svg"] {
     plot ARG1 every 5 using ((column("time_s") - 0.5) * 1000):"i_u_A" with lines lw 1.5 lc rgb "#0072b2" title "phase u", \
          ARG1 every 5 using ((column("time_s") - 0.5) * 1000):"i_v_A" with lines lw 1.5 lc rgb "#d55e00" title "phase v", \
          ARG1 every 5 using ((column("time_s") - 0.5) * 1000):"i_w_A" with lines lw 1.5 lc rgb "#009e73" title "phase w"
-    set xlabel "time before the end of the run, ms"
+    set xlabel "time from the end of the run, ms"
     set ylabel "torque, Nm"
     plot ARG1 every 5 using ((column("time_s") - 0.5) * 1000):"torque_Nm" with lines lw 1.5 lc rgb "#222222" title "torque"
     unset multiplot

@@ -320,16 +320,19 @@ KZB_API int kzb_make_LdLq(KZB_STORE* handle);
 /**
  * Averages the machine over the slices of two skews, of which only the difference of positions acts.
  *
- * @param[in] type_a, type_b    0 none, 1 and 2 continuous, 3 stepped.
- * @param[in] angle_a, angle_b  mechanical degrees.
- * @param[in] steps_a, steps_b  steps of a stepped skew.
- * @param[in] method            lookup word, as for kzb_get_table_interpolated_value.
+ * @param[in] type_a   first skew: 0 none, 1 and 2 continuous, 3 stepped.
+ * @param[in] type_b   second skew, likewise.
+ * @param[in] angle_a  angle of the first skew (mechanical degrees).
+ * @param[in] angle_b  angle of the second skew (mechanical degrees).
+ * @param[in] steps_a  steps of the first skew where it is stepped.
+ * @param[in] steps_b  steps of the second skew where it is stepped.
+ * @param[in] method   lookup word, as for kzb_get_table_interpolated_value; null: nothing is done.
  * @return    0 done, 1 not done. The unskewed tables are kept beside the new ones with "_org" behind their keys, and a
  *            second call starts again from them.
  */
 KZB_API int kzb_apply_skew(int type_a, int type_b, double angle_a, double angle_b, int steps_a, int steps_b,
                            const char* method, KZB_STORE* handle);
-/** Replaces tables that hold a quarter of the phase range by full ones. 0 done or nothing to do, 1 failure. */
+/** Replaces tables of current phases -90 to 90 degrees, half the range, by full ones. 0 done or nothing, 1 failure. */
 KZB_API int kzb_expand_table_considering_phase_symmetry(KZB_STORE* handle);
 
 #ifdef __cplusplus

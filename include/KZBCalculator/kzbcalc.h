@@ -248,7 +248,7 @@ KZB_API double kzbcalcGetVoltage(int phase, KZB_CALC* handle);
  * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
  *                    for 10004, 1 to 5 for 10012.
  * @param[in]  handle  calculator; null gives 180039.0.
- * @return     (V), or a status as a number; 0.0 before the third sample and for 10007 and 10008.
+ * @return     (V), or a status as a number; 0.0 before the third sample and for 10008.
  *
  * Errors:  180031.0 phase out of range.
  * Threads: one handle per thread; handles are independent.
@@ -442,7 +442,7 @@ KZB_API double kzbcalcGetUserSpecifiedParameter(int index, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     the number, or a status.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039 for a motor type the call doesn't apply to.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -738,7 +738,7 @@ KZB_API int kzbcalcSetCoilTemperature(double temperature, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (K), or a status as a number.
  *
- * Errors:  180046.0 temperature correction is off; 180039.0 for the null handle.
+ * Errors:  180039.0 for 10008, tested first; 180046.0 temperature correction is off.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -789,7 +789,7 @@ KZB_API int kzbcalcSetCoilTemperatureCorrectionCoefficient(double coefficient, K
  * the resistance instead.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
- * @return     (ppm per K), or a status as a number.
+ * @return     (ppm per K), the factor for 10007, or a status as a number.
  *
  * Errors:  180046.0 temperature correction is off; 180039.0 for the null handle.
  * Threads: one handle per thread; handles are independent.
@@ -1294,10 +1294,11 @@ KZB_API double kzbcalcGetFieldCoilBaseTemperature(KZB_CALC* handle);
 KZB_API int kzbcalcSetFieldCoilTemperatureCorrectionCoefficient(double coefficient, KZB_CALC* handle);
 
 /**
- * Temperature coefficient of the field winding's resistance, read. Gives the factor of the resistance.
+ * Temperature factor of the field winding's resistance: not the coefficient but
+ * (temperature - base) * coefficient * 1e-6 + 1.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
- * @return     (ppm per K), or a status as a number.
+ * @return     the factor, or a status as a number.
  *
  * Errors:  180046.0 temperature correction is off; 180039.0 for a motor type other than 10007.
  * Threads: one handle per thread; handles are independent.

@@ -1,7 +1,7 @@
 // Gaussian elimination of a dense system in place, without pivoting.
 //
-//   forward, column i:  m[r][i] = m[r][i] / m[i][i],  m[r][c] -= m[i][c] * m[r][i],  b[r] -= b[i] * m[r][i]   (r, c >
-//   i) backward, row i:    b[i] -= b[c] * m[i][c] for c = i + 1 .. n - 1,  then b[i] /= m[i][i]
+//   forward, column i, r and c above i:  m[r][i] /= m[i][i],  m[r][c] -= m[i][c] * m[r][i],  b[r] -= b[i] * m[r][i]
+//   backward, row i:                     b[i] -= b[c] * m[i][c] for c = i + 1 .. n - 1,  then b[i] /= m[i][i]
 //
 // Rows are never exchanged. A pivot of exactly 0.0 is replaced by 1e-20, so a singular system gives large or non-finite
 // numbers and no failure. Zero entries are not skipped: 0 * inf counts as it does in the formula.

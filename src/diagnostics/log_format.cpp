@@ -21,9 +21,28 @@ bool is_one_of(char c, const char* set) {
     return c != '\0' && std::strchr(set, c) != nullptr;
 }
 
-// Flags, width, precision and at most one length letter between "%" and the conversion: what the runtime can apply to
-// the one argument that the conversion takes.
-bool is_plain(std::string_view specifier) {
+// What a conversion letter takes from the argument list.
+enum class Takes { nothing, integer, text, number };
+
+// By the last character of a specifier, which chooses the argument.
+Takes argument_of(char last) {
+    if (is_one_of(last, "cdi")) {
+        return Takes::integer;
+    }
+    if (last == 's') {
+        return Takes::text;
+    }
+    return is_one_of(last, "efEF") ? Takes::number : Takes::nothing;
+}
+
+struct Conversion {
+    Takes takes = Takes::nothing;
+    bool is_long = false;  // an integer that the runtime reads as a long
+};
+
+// The conversion as the runtime sees it: behind "%", flags, width, precision and length. What stands between it and the
+// end of the specifier is text.
+Conversion conversion_of(std::string_view specifier) {
     std::size_t at = 1;
     const auto skip = [&](const char* set) {
         while (at < specifier.size() && is_one_of(specifier[at], set)) {
@@ -36,10 +55,19 @@ bool is_plain(std::string_view specifier) {
         ++at;
         skip("0123456789");
     }
-    if (at < specifier.size() && specifier[at] == 'l' && !is_one_of(specifier.back(), "cs")) {
-        ++at;
+    const std::string_view rest = specifier.substr(at);
+    const std::size_t length = rest.starts_with("hh") ? 2 : rest.starts_with('h') || rest.starts_with('l') ? 1 : 0;
+    const char letter = length < rest.size() ? rest[length] : '\0';
+    if (is_one_of(letter, "diuoxX")) {
+        return {Takes::integer, rest.front() == 'l'};
     }
-    return at + 1 == specifier.size();
+    if (is_one_of(letter, "eEfFgGaA") && rest.front() != 'h') {
+        return {Takes::number};
+    }
+    if (length != 0) {
+        return {};  // a wide character or text
+    }
+    return {letter == 'c' ? Takes::integer : letter == 's' ? Takes::text : Takes::nothing};
 }
 
 // A copy of the argument list that a helper may advance.
@@ -48,29 +76,26 @@ struct Arguments {
 };
 
 std::string apply(const std::string& specifier, Arguments& arguments) {
-    const bool plain = is_plain(specifier);
-    const bool is_long = specifier.find('l') != std::string::npos;
-    switch (specifier.back()) {
-        case 'c':
-        case 'd':
-        case 'i': {
+    const Takes argument = argument_of(specifier.back());
+    const Conversion conversion = conversion_of(specifier);
+    // The runtime must not read an argument as what it isn't.
+    const bool fits = conversion.takes == argument;
+    switch (argument) {
+        case Takes::integer: {
             const int value = va_arg(arguments.list, int);
-            if (!plain) {
+            if (!fits) {
                 return {};
             }
-            return is_long ? formatted(specifier.c_str(), static_cast<long>(value))
-                           : formatted(specifier.c_str(), value);
+            return conversion.is_long ? formatted(specifier.c_str(), static_cast<long>(value))
+                                      : formatted(specifier.c_str(), value);
         }
-        case 's': {
+        case Takes::text: {
             const char* const value = va_arg(arguments.list, const char*);
-            return plain ? formatted(specifier.c_str(), value != nullptr ? value : "(null)") : std::string();
+            return fits ? formatted(specifier.c_str(), value != nullptr ? value : "(null)") : std::string();
         }
-        case 'e':
-        case 'f':
-        case 'E':
-        case 'F': {
+        case Takes::number: {
             const double value = va_arg(arguments.list, double);
-            return plain ? formatted(specifier.c_str(), value) : std::string();
+            return fits ? formatted(specifier.c_str(), value) : std::string();
         }
         default:
             return {};

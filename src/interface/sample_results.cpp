@@ -49,7 +49,7 @@ double kzbcalcGetInducedVoltage(int phase, KZB_CALC* handle) {
         if (!has_model(handle)) {
             return not_applicable;
         }
-        if (serves(*handle, wound_field | generic)) {
+        if (serves(*handle, generic)) {
             return 0.0;
         }
         const int status = phase_status(handle, phase);

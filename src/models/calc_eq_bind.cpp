@@ -16,6 +16,10 @@ constexpr int rotary_motor_type = 10000;
 
 void Calc_Eq::bind(KZB_STORE& store, int ironloss_flag) {
     store_ = &store;
+    // Two stores may have the same revision: nothing that another one answered is kept.
+    tables_ = PmsmTables{};
+    tables_.torque.set(machine_.torque_category, machine_.torque_table);
+    material_losses_ = MaterialLosses{};
     // Linear by application acts on the user parameters and the network; by motor type on everything else.
     const bool linear_application = select_application();
     read_ironloss(ironloss_flag);

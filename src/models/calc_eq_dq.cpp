@@ -1,8 +1,9 @@
 // Ld and Lq of Calc_Eq at the operating point, leakage included.
 //
 //   kind 0   Ld = (2/3) c' L c, Lq = (2/3) s' L s,  c and s the cosines and sines of the phase angles
-//   kind 1   Ld as kind 0, Lq = (psi_q(i) - psi_q(0)) / i_q, near beta = +-90 degrees the mean of probes 10 degrees
-//   away kind 2   table values kind 3   Lq = (psi_q - psi_q(0)) / i_q, Ld = d psi_d / d i_d by central difference
+//   kind 1   Ld as kind 0, Lq = (psi_q(i) - psi_q(0)) / i_q, near beta = +-90 degrees the mean of two probes
+//   kind 2   table values
+//   kind 3   Lq = (psi_q - psi_q(0)) / i_q, Ld = d psi_d / d i_d by central difference
 #include <cmath>
 
 #include "models/calc_eq.h"
@@ -105,7 +106,7 @@ DqPair Calc_Eq::dq_from_flux_integral(double beta, double angle) {
     return {s.d_inductance_kept, lq};
 }
 
-// "the d current" is that of the machine, `current_dq0`, the one with a previous value.
+// Held against the current of the machine, loss current included: the one with a previous value.
 double Calc_Eq::d_inductance_from_current(double noload_d, double beta, double angle) {
     const FluxIntegralState& s = integral_;
     const double kept = s.d_inductance_kept;

@@ -116,7 +116,7 @@ Dq0 Calc_Eq::air_gap_flux(const FluxInputs& in) {
     const Dq0& i = integral_.current_dq0;
     Dq0 flux = {in.state[0] - leak.d * i[0], in.state[1] - leak.q * i[1], in.state[2]};
     const double scale = noload_scale();
-    if (!deviates(scale) && !deviates(corrections_.inductance_multiplier)) {
+    if (stays(scale) && stays(corrections_.inductance_multiplier)) {
         return flux;
     }
     const Dq0 noload = noload_flux_at(in.angle);

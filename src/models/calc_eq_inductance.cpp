@@ -1,9 +1,8 @@
 // Inductance matrix of Calc_Eq. Tables store it by columns: element t stands at row t mod 3, column t div 3.
 //
 //   kind 1   L = k_inductance * table(previous current, position, t)
-//   kind 0   L = k_inductance * table(amplitude, position, t); a negative phase current sees the table half a period
-//   on,
-//            and below the smallest amplitude of the table both are blended
+//   kind 0   L = k_inductance * table(amplitude, position, t); a column with a negative current sees the table half
+//            a period on, and below the smallest amplitude of the table both are blended
 //   kind 2   L[r][c] = (2/3) (Ld cos A_r cos A_c + Lq sin A_r sin A_c)
 #include "models/calc_eq.h"
 

@@ -8,9 +8,12 @@
 
 namespace kzb {
 
-// Whether a multiplier moves the tables' values at all.
+// Whether a multiplier moves the tables' values at all. One that is no number neither deviates nor stays.
 inline bool deviates(double multiplier) {
     return std::fabs(multiplier - 1.0) >= 1e-8;
+}
+inline bool stays(double multiplier) {
+    return std::fabs(multiplier - 1.0) < 1e-8;
 }
 
 // Which terminals are driven; a single open phase goes on as an induced voltage.

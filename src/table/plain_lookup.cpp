@@ -100,7 +100,7 @@ int plain_cubic(const KZB_TABLE& table, const double* coordinates, double& resul
                 const LookupSwitches& switches) {
     result = KZB_NO_VALUE;
     PlainPoint point(table);
-    if (!has_all_grids(table) || !point.locate(table, coordinates, true)) {
+    if (!point.locate(table, coordinates, true) || !has_all_grids(table)) {
         return lookup_beyond_limit;
     }
     if (!PlainPoint::block_fits(table.dim, 4)) {
@@ -131,7 +131,7 @@ int plain_local_spline(const KZB_TABLE& table, const double* coordinates, int wi
                        const LookupSwitches& switches) {
     result = KZB_NO_VALUE;
     PlainPoint point(table);
-    if (!has_all_grids(table) || !point.locate(table, coordinates, true)) {
+    if (!point.locate(table, coordinates, true) || !has_all_grids(table)) {
         return lookup_beyond_limit;
     }
     if (!PlainPoint::block_fits(table.dim, width)) {

@@ -288,8 +288,8 @@ bool counts_components(const KZB_TABLE& table, std::size_t last, int count) {
             return false;
         }
     }
-    // The node behind the last component must lie outside the tolerance of it, too.
-    return memo.order == AxisMemo::Order::ascending;
+    // With one component the first segment ends at a node of any kind: one of no width is no ordinary one.
+    return memo.order == AxisMemo::Order::ascending && !(nodes[1] - nodes[0] < KZB_AXIS_TOL);
 }
 
 // Two components at a time, as lanes: they lie side by side.

@@ -130,6 +130,16 @@ TEST_F(Log, own_formatter_applies_each_specifier_whole) {
     EXPECT_NE(text().find("<text>7    +42x text    1.500 2.5e+02 1.00E+00 2.000000</text>"), std::string::npos);
 }
 
+TEST_F(Log, own_formatter_keeps_the_letters_between_a_conversion_and_the_end_of_its_specifier) {
+    create();
+    // The last letter says which argument is taken: "%drad" and "%xid" an int, "%gf" a double.
+    report(1, 1, true, "%drad %xid %gf %hd", 7, 255, 1.5, 3);
+    EXPECT_NE(text().find("<text>7rad ffid 1.5f 3</text>"), std::string::npos);
+    // "%ds" takes a text, which its conversion could not print: nothing.
+    report(1, 1, true, "[%ds %i", "word", 5);
+    EXPECT_NE(text().find("<text>[ 5</text>"), std::string::npos);
+}
+
 TEST_F(Log, own_formatter_survives_what_the_runtime_could_not_take) {
     create();
     // "%sd" would print an int as a text, "%*d" wants a second argument, "%ls" a wide text; "%" and "\" end the text.

@@ -1,59 +1,15 @@
 // Kind 3: fluxes are integrated, currents come from tables over flux.
 #include <gtest/gtest.h>
 
-#include "pmsm_files.h"
+#include <cmath>
+#include <limits>
+
+#include "pmsm_flux_integral_file.h"
 
 namespace {
 
 using namespace kzb_test;
-using kzb::Calc_Eq;
 using kzb::Phases;
-
-constexpr double ld = 0.002;
-constexpr double lq = 0.005;
-constexpr double psi = 0.15;
-constexpr double r = 0.5;
-
-// i_d = (psi_d - psi) / Ld, i_q = psi_q / Lq; no zero flux; torque table p/2 * 3/2 * 0.1 * amplitude * cos(beta).
-void integral_file(KZB_STORE& store, const Basics& b = {}, bool zero_axis = false) {
-    basics(store, b);
-    const Axis turn = nodes(0.0, 360.0, 5, true);
-    const Axis flux = nodes(-1.0, 1.0, 5);
-    std::vector<Axis> axes = {flux, flux, turn};
-    if (zero_axis) {
-        axes = {flux, flux, nodes(-1.0, 1.0, 3), turn};
-        table(store, "current_table", "i0", axes, [](const std::vector<double>& x) { return 20.0 * x[2]; });
-    }
-    table(store, "current_table", "id", axes, [](const std::vector<double>& x) { return (x[0] - psi) / ld; });
-    table(store, "current_table", "iq", axes, [](const std::vector<double>& x) { return x[1] / lq; });
-    constant(store, "flux_table", "fd_noload", {turn}, psi);
-    constant(store, "flux_table", "fq_noload", {turn}, 0.01);
-    constant(store, "flux_table", "f0_noload", {turn}, 0.02);
-    constant(store, "flux_table", "f0_ibeta", {nodes(0, 100, 2), all_phases(), turn}, 0.05);
-    table(store, "harmonic_torque", "torque_ibeta", {nodes(-180, 180, 73, true), turn, nodes(0, 1000, 3)},
-          [](const std::vector<double>& x) { return 0.3 * x[2] * std::cos(x[0] * pi / 180.0); });
-}
-
-struct Host {
-    Calc_Eq model;
-    double state[3] = {9.0, 9.0, 9.0};
-    double derivative[3] = {};
-    double before = 0.0;
-
-    void execute(const Phases& v, double position, double time, int u = 1, int vv = 1, int w = 1) {
-        if (time > 0.0) {
-            model.flux_derivative(v[0], v[1], v[2], position, time, state, derivative, u, vv, w);
-            for (int k = 0; k < 3; ++k) {
-                state[k] += (time - before) * derivative[k];
-            }
-        }
-        model.flux_update(time, position, state);
-    }
-    void accept(double time) {
-        model.accept();
-        before = time;
-    }
-};
 
 TEST(pmsm_flux_integral, time_zero_starts_from_the_flux_without_current) {
     KZB_STORE store;
@@ -197,7 +153,7 @@ TEST(pmsm_flux_integral, open_phase_takes_its_own_induced_voltage) {
     const double open = run.model.flux_integral_state().zero_voltage;
     double with_open[3];
     double given[3];
-    Calc_Eq& model = run.model;
+    kzb::Calc_Eq& model = run.model;
     model.flux_derivative(30.0, 777.0, 5.0, 0.1, 2e-3, run.state, with_open, 1, 0, 1);
     const kzb::PhaseAngles at(0.2);
     const double omega = 0.1 / (2e-3 - 1e-3);
@@ -306,6 +262,19 @@ TEST(pmsm_flux_integral, loss_current_draws_the_iron_loss) {
     const double loss_q = s.current_dq0[1] - s.table_current_dq0[1];
     EXPECT_NEAR(loss_d * first.filtered_d + loss_q * first.filtered_q, 40.0, 1e-9);
     EXPECT_EQ(run.model.eddy_loss(), 40.0);
+}
+
+// A multiplier that is no number is not taken for 1: the uncorrected flux would look sound.
+TEST(pmsm_flux_integral, temperature_that_is_no_number_does_not_pass_for_an_uncorrected_machine) {
+    KZB_STORE store;
+    integral_file(store);
+    Host run;
+    bind(run.model, store, kzb::flux_integral);
+    run.execute({}, 0.0, 0.0);
+    run.accept(0.0);
+    run.model.set_own_magnet_temperature(std::numeric_limits<double>::quiet_NaN());
+    run.execute({30.0, -12.0, 5.0}, 0.1, 1e-3);
+    EXPECT_TRUE(std::isnan(run.model.flux_integral_state().air_gap_flux_dq0[0]));
 }
 
 }  // namespace

@@ -177,4 +177,47 @@ TEST(pmsm_safety, tables_that_vanish_and_return) {
     exercise(model);
 }
 
+// Two stores made alike have the same revision: what was resolved in the one must not answer for the other.
+TEST(pmsm_safety, bound_to_another_store_it_reads_that_one) {
+    Calc_Eq model;
+    for (const double psi : {0.15, 0.25}) {
+        KZB_STORE store;
+        LdLq machine;
+        machine.ld = psi / 100.0;
+        ld_lq_file(store, machine);
+        model.reset();
+        bind(model, store, kzb::ld_lq);
+        sample(model, {}, 0.0, 0.0);
+        EXPECT_DOUBLE_EQ(model.d_inductance(), machine.ld);  // the table is constant, every factor is 1
+    }
+}
+
+// So must the answers that no table holds: the mark of the older correction.
+TEST(pmsm_safety, another_store_is_judged_by_its_own_categories) {
+    Calc_Eq model;
+    for (const bool corrected : {false, true}) {
+        KZB_STORE store;
+        ld_lq_file(store);
+        kzb::put_int(store, corrected ? "CorrectionTable" : "SomethingElse", "x", 1);
+        model.reset();
+        bind(model, store, kzb::ld_lq);
+        EXPECT_EQ(sample(model, {}, 0.0, 0.0), !corrected);
+    }
+}
+
+// Binding anew, as a host does after it changed an option, keeps the torque table.
+TEST(pmsm_safety, bound_twice_to_one_store_it_keeps_its_tables) {
+    KZB_STORE store;
+    harmonic_file(store);
+    Calc_Eq model;
+    bind(model, store, kzb::harmonic);
+    bind(model, store, kzb::harmonic);
+    model.set_current(1, 10.0);
+    model.set_current(2, -5.0);
+    model.set_current(3, -5.0);
+    // Position -90 degrees electrical puts the current of U on the q axis, beta 0: 2 * 1.5 * 0.1 * 10, exact at a node.
+    model.set_position(-45.0 * pi / 180.0);
+    EXPECT_NEAR(model.torque_from_currents(), 3.0, 1e-9);
+}
+
 }  // namespace

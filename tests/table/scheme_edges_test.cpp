@@ -157,6 +157,32 @@ TEST(Linear, axis_without_grid_gives_no_value_after_the_axes_before_it) {
     EXPECT_EQ(Lookup("Spline", table, {0.5, 0.5}).status, 90006);
 }
 
+// The coordinates are wrapped before any grid is missed.
+TEST(Schemes, fault_of_a_cyclic_axis_is_told_though_another_axis_has_no_grid) {
+    KZB_TABLE table = table_of({{1, 1}, {0, 1}}, {1, 2, 3, 4});
+    kzb::table_set_cyclic_flag(&table, 1, 1);
+    table.axes[1].reset();
+    for (const char* method : {"Linear", "Cubic", "Spline4", "Spline6", "Spline"}) {
+        const Lookup lookup(method, table, {1.0, 0.5});
+        EXPECT_EQ(lookup.printed.rfind("The axis values are not in ascending order\n: ", 0), 0U) << method;
+        EXPECT_EQ(lookup.value, kzb::KZB_NO_VALUE) << method;
+    }
+}
+
+// One component on the node 0 of a segment of no width: the values decide, as for a single lookup.
+TEST(Linear, single_component_before_a_node_that_falls_together_with_its_own) {
+    for (const double second : {6.0, 5.0}) {
+        const KZB_TABLE table = table_of({{0, 5e-11}}, {5, second});
+        double result = 0.0;
+        double timing[20] = {};
+        const double none = 0.0;
+        EXPECT_EQ(kzb::table_lookup_components(kzb::Scheme::linear, &table, &none, 1, &result, timing, {}), 0);
+        EXPECT_EQ(result, second == 5.0 ? 5.0 : kzb::KZB_NO_VALUE);
+        EXPECT_EQ(result, Lookup("Linear", table, {0.0}).value);
+        EXPECT_EQ(timing[3], 1.0);
+    }
+}
+
 TEST(Linear, not_a_number_prints_once_per_corner) {
     const KZB_TABLE table = table_of({{0, 1}, {0, 1}}, {1, 2, 3, 4});
     const Lookup lookup("Linear", table, {std::nan(""), 0.5});
