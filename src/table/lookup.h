@@ -1,6 +1,7 @@
 // Lookup of one table at one point: scheme by name, cyclic wrap, bracket search, gather and reduction.
 //
-// A lookup never changes the table. It writes only the result and the counters of `timing`.
+// A lookup changes no value, node or flag. It writes the result, the counters of `timing` and the table's search memos,
+// on which no result depends; so one thread per store.
 #pragma once
 
 #include "table/table.h"

@@ -27,7 +27,8 @@ inline constexpr int KZB_NO_FLAG = 0x7fffffff;
 namespace kzb {
 
 // Where the last search on an axis ended, and whether its nodes are known to ascend; nodes written anew forget both.
-// A memo alone: no result depends on it.
+// A memo alone: no result depends on it. Who writes nodes other than through table_set_axis_value does so on a table
+// just created, before its first lookup.
 struct AxisMemo {
     enum class Order : char { unknown, ascending, other };
     Order order = Order::unknown;

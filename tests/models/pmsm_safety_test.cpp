@@ -179,16 +179,17 @@ TEST(pmsm_safety, tables_that_vanish_and_return) {
 
 // Two stores made alike have the same revision: what was resolved in the one must not answer for the other.
 TEST(pmsm_safety, bound_to_another_store_it_reads_that_one) {
+    const double ld[] = {0.0015, 0.0025};
+    KZB_STORE stores[2];
     Calc_Eq model;
-    for (const double psi : {0.15, 0.25}) {
-        KZB_STORE store;
+    for (std::size_t n = 0; n < 2; ++n) {
         LdLq machine;
-        machine.ld = psi / 100.0;
-        ld_lq_file(store, machine);
+        machine.ld = ld[n];
+        ld_lq_file(stores[n], machine);
         model.reset();
-        bind(model, store, kzb::ld_lq);
+        bind(model, stores[n], kzb::ld_lq);
         sample(model, {}, 0.0, 0.0);
-        EXPECT_DOUBLE_EQ(model.d_inductance(), machine.ld);  // the table is constant, every factor is 1
+        EXPECT_DOUBLE_EQ(model.d_inductance(), ld[n]);  // the table is constant, every factor is 1
     }
 }
 

@@ -81,6 +81,35 @@ TEST_F(LookupFront, callers_values_are_never_changed) {
     EXPECT_EQ(x, 25.0);
 }
 
+// Four axes, the first one cyclic over a full turn. The straight path reads pairs along the last axis and takes the end
+// of the turn as its start; the general path reads the stored end. At 270 degrees: (2 + 1) / 2 against (2 + 9) / 2.
+TEST_F(LookupFront, general_path_is_taken_while_its_variable_stands_even_empty) {
+    TestStore store;
+    const int sizes[4] = {3, 2, 2, 2};
+    kzb_create_table("c", "t", 4, sizes, store);
+    kzb_set_table_cyclic_flag("c", "t", 1, 1, store);
+    const double slab[3] = {1.0, 2.0, 9.0};
+    for (int flat = 0; flat < 24; ++flat) {
+        const int index[4] = {flat / 8, flat / 4 % 2, flat / 2 % 2, flat % 2};
+        kzb_set_table_value("c", "t", index, slab[index[0]], store);
+        for (int axis = 1; axis <= 4; ++axis) {
+            const int node = index[axis - 1];
+            kzb_set_table_axis_value("c", "t", axis, node, axis == 1 ? 180.0 * node : node, store);
+        }
+    }
+    const double point[4] = {270.0, 0.5, 0.5, 0.5};
+    const auto value = [&] { return kzb_get_table_interpolated_value("c", "t", point, "Linear", store); };
+    EXPECT_EQ(value(), 1.5);
+    setenv("USE_GENERIC_INTERPOLATION_X", "1", 1);
+    EXPECT_EQ(value(), 1.5);
+    unsetenv("USE_GENERIC_INTERPOLATION_X");
+    setenv("USE_GENERIC_INTERPOLATION", "", 1);
+    EXPECT_EQ(value(), 5.5);
+    EXPECT_EQ(value(), 5.5);
+    unsetenv("USE_GENERIC_INTERPOLATION");
+    EXPECT_EQ(value(), 1.5);
+}
+
 TEST_F(LookupFront, changed_table_is_seen_by_the_next_lookup) {
     TestStore store;
     store.line("c", "t", {0.0, 1.0}, {2.0, 4.0});

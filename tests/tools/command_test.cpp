@@ -42,6 +42,9 @@ TEST(Command, wrong_usage_is_exit_code_2_and_one_line_that_names_the_fault) {
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
         {{}, "subcommand"},
         {{"inform", "x.kzb"}, "no subcommand \"inform\", expected one of info, convert"},
+        {{"build"}, "a subcommand is missing, expected one of pmsm (see kzb build --help)"},
+        {{"build", "im"}, "no subcommand \"im\", expected one of pmsm (see kzb build --help)"},
+        {{"--colour"}, "subcommand"},
         {{"info"}, "file"},
         {{"info", "--colour", "x.kzb"}, "--colour"},
         {{"convert", "a.kzb", "b.kzb"}, "--form"},
@@ -69,9 +72,9 @@ TEST(Command, a_file_that_is_no_KZB_file_is_exit_code_3_and_one_line_that_names_
     write_file(folder / "wrong-head.kzb", "$DORN-KZx,#\n");
     const std::map<std::string, std::string> cases = {{"missing.kzb", "No such file"},
                                                       {".", "directory"},
-                                                      {"garbage.kzb", "not a"},
-                                                      {"empty.kzb", "not a"},
-                                                      {"head-only.kzb", "not a readable KZB file"},
+                                                      {"garbage.kzb", "expected \"$DORN-KZ\" at its start"},
+                                                      {"empty.kzb", "expected \"$DORN-KZ\" at its start"},
+                                                      {"head-only.kzb", "expected a whole file"},
                                                       {"wrong-head.kzb", "The input file is broken"}};
     for (const auto& [name, fault] : cases) {
         for (const auto& arguments :
@@ -89,6 +92,13 @@ TEST(Command, a_file_that_is_no_KZB_file_is_exit_code_3_and_one_line_that_names_
         }
     }
     EXPECT_EQ(folder.names().size(), 4u) << "nothing may be written";
+}
+
+TEST(Command, a_file_name_with_a_line_feed_still_gives_one_line) {
+    const Finished finished = run_kzb({"info", "no\nfile\xff.kzb"});
+    EXPECT_EQ(finished.code, 3);
+    EXPECT_EQ(line_count(finished.err), 1) << finished.err;
+    EXPECT_THAT(finished.err, HasSubstr("no file\xef\xbf\xbd.kzb: cannot be opened"));
 }
 
 TEST(Command, a_terminal_gets_colours_unless_NO_COLOR_is_set) {

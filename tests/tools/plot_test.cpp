@@ -58,6 +58,7 @@ TEST_F(Plot, faults_say_what_was_expected_and_write_nothing) {
         {{"cat/with/t", "--at", "1=0"}, "axis 1 is one of the axes drawn"},
         {{"cat/with/t", "--at", "3=1"}, "1 is outside axis 3, expected 2 to 4"},
         {{"cat/with/t", "--at", "3=#2"}, "axis 3 has no node #2, expected #0 to #1"},
+        {{"cat/with/t", "--at", "3=2", "--at", "3=4"}, "axis 3 twice"},
         {{"cat/with/t", "--at", "3=two"}, "\"two\" is not a number"},
         {{"cat/with/t", "--at", "3"}, "expected AXIS=VALUE or AXIS=#INDEX"},
         {{"c/line", "--kind", "heatmap"}, "two axes"},

@@ -499,6 +499,9 @@ TEST_F(Run, wrong_scenarios_are_exit_code_3_and_name_their_line) {
         {good + "[record]\noutputs = [\"power\"]\n",
          "s.toml:8: record.outputs: no output \"power\", expected one of time"},
         {good + "[record]\nevery = 0\n", "s.toml:8: record.every: expected an integer from 1"},
+        {good + "[record]\nfrom = 0.002\n", "s.toml:8: record.from: 0.002 is after the last sample"},
+        // samples 0 to 10: every seventh is 0 and 7
+        {good + "[record]\nevery = 7\nfrom = 8e-4\n", "record.from: 0.0008 is after the last sample"},
         {good + "[skew.a]\ntype = \"stepped\"\nangle_deg = 5\nsteps = 1\n",
          "s.toml:10: skew.a.steps: expected an integer from 2"},
         {good + "[losses]\niron = 1\n", "s.toml:8: losses.iron: expected true or false"},
@@ -528,12 +531,39 @@ TEST_F(Run, wrong_csv_files_name_their_line_and_column) {
 }
 
 TEST_F(Run, a_missing_scenario_or_a_directory_is_exit_code_3) {
-    for (const char* name : {"none.toml", "."}) {
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"none.toml", "cannot be opened (No such file or directory), expected a scenario in TOML"},
+        {".", "is a directory, expected a scenario in TOML"},
+        {"/dev/zero", "is neither a file nor a pipe, expected a scenario in TOML"}};
+    for (const auto& [name, fault] : cases) {
         const Finished finished = run_kzb({"run", "m.kzb", name}, folder.path());
         EXPECT_EQ(finished.code, 3);
         EXPECT_EQ(line_count(finished.err), 1) << finished.err;
-        EXPECT_THAT(finished.err, HasSubstr(std::string(name) + ": cannot be"));
+        EXPECT_THAT(finished.err, HasSubstr(name + ": " + fault));
     }
+}
+
+TEST_F(Run, rows_do_not_replace_what_the_run_reads_or_draws) {
+    const std::string scenario = "drive = \"voltage\"\n[time]\nstep = 1e-4\nstop = 1e-3\n" + dc_sources;
+    const std::string model = read_file(folder / "m.kzb");
+    for (const auto& more : std::vector<std::vector<std::string>>{
+             {"--out", "m.kzb"}, {"--out", "./s.toml"}, {"--out", "p.png", "--plot", "p.png"}}) {
+        const Finished finished = run(scenario, more);
+        EXPECT_EQ(finished.code, 2) << more[1];
+        EXPECT_EQ(line_count(finished.err), 1) << finished.err;
+        EXPECT_THAT(finished.err, HasSubstr("expected another file"));
+    }
+    EXPECT_EQ(read_file(folder / "m.kzb"), model);
+    EXPECT_EQ(read_file(folder / "s.toml"), scenario);
+    EXPECT_THAT(folder.names(), ElementsAre("m.kzb", "s.toml"));
+}
+
+TEST_F(Run, a_plot_that_cannot_be_written_is_told_before_the_run) {
+    const Finished finished = run("drive = \"voltage\"\n[time]\nstep = 1e-6\nstop = 1e3\n" + dc_sources,
+                                  {"--out", "r.csv", "--plot", "none/p.png"});
+    EXPECT_EQ(finished.code, 1);
+    EXPECT_THAT(finished.err, HasSubstr("none/p.png: cannot write"));
+    EXPECT_THAT(folder.names(), ElementsAre("m.kzb", "s.toml"));
 }
 
 TEST_F(Run, a_motor_type_that_is_not_driven_is_exit_code_3) {

@@ -10,6 +10,7 @@
 
 #include "fmt/format.h"
 #include "kzb/command.h"
+#include "kzb/text.h"
 
 namespace kzb::tool {
 
@@ -20,7 +21,8 @@ bool coloured() {
     return isatty(STDERR_FILENO) != 0 && (no_color == nullptr || *no_color == '\0');
 }
 
-void put(std::string_view head, const char* colour, std::string_view text) {
+void put(std::string_view head, const char* colour, std::string_view message) {
+    const std::string text = printable_line(message);  // names in it may hold anything
     const std::string line =
         coloured() ? fmt::format("kzb: {}{}\x1b[0m{}\n", colour, head, text) : fmt::format("kzb: {}{}\n", head, text);
     std::fwrite(line.data(), 1, line.size(), stderr);

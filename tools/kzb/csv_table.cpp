@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
 #include "fmt/format.h"
 #include "kzb/command.h"
+#include "kzb/input_text.h"
 #include "kzb/text.h"
 
 namespace kzb::tool {
@@ -62,16 +60,7 @@ std::optional<double> finite_number(std::string_view text) {
 }
 
 CsvTable CsvTable::read(const std::string& path) {
-    std::error_code ignored;
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path, ignored)) {
-        throw Failure(exit_file, fmt::format("{}: cannot be opened, expected a CSV file", path));
-    }
-    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (file.bad()) {
-        throw Failure(exit_file, fmt::format("{}: cannot be read", path));
-    }
-    return parse(std::move(text), path);
+    return parse(read_input_text(path, "a CSV file"), path);
 }
 
 CsvTable CsvTable::parse(std::string text, const std::string& name) {

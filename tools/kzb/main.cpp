@@ -8,6 +8,8 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <exception>
+#include <new>
+#include <optional>
 #include <sstream>
 #include <string>
 
@@ -59,6 +61,23 @@ std::string names_of_subcommands(const CLI::App& app) {
     return names;
 }
 
+// The line about a subcommand that is missing or unknown, here or below the ones found.
+std::optional<std::string> wrong_subcommand(const CLI::App& app, int argc, char** argv) {
+    const CLI::App* deepest = &app;
+    int words = 1;
+    for (; !deepest->get_subcommands().empty(); ++words) {
+        deepest = deepest->get_subcommands().front();
+    }
+    const std::string names = names_of_subcommands(*deepest);
+    const bool is_option = words < argc && argv[words][0] == '-';
+    if (names.empty() || is_option) {
+        return std::nullopt;
+    }
+    const std::string what =
+        words < argc ? fmt::format("no subcommand \"{}\"", printable_line(argv[words])) : "a subcommand is missing";
+    return fmt::format("{}, expected one of {} (see {} --help)", what, names, deepest_command(app));
+}
+
 int parse(CLI::App& app, int argc, char** argv, const Context& context) {
     try {
         app.parse(argc, argv);
@@ -71,10 +90,8 @@ int parse(CLI::App& app, int argc, char** argv, const Context& context) {
             context.print(out.str());
             return exit_done;
         }
-        const bool unknown = argc > 1 && argv[1][0] != '-' && app.get_subcommands().empty();
-        tell_error(unknown ? fmt::format("no subcommand \"{}\", expected one of {} (see kzb --help)",
-                                         printable_line(argv[1]), names_of_subcommands(app))
-                           : fmt::format("{} (see {} --help)", one_line(e.what()), deepest_command(app)));
+        const std::optional<std::string> message = wrong_subcommand(app, argc, argv);
+        tell_error(message ? *message : fmt::format("{} (see {} --help)", one_line(e.what()), deepest_command(app)));
         return exit_usage;
     }
 }
@@ -92,9 +109,7 @@ int run_command_line(int argc, char** argv) {
     add_convert(app, context);
     add_plot(app, context);
     add_run(app, context);
-#ifdef KZB_HAS_BUILD
     add_build(app, context);
-#endif
 
     const int parsed = parse(app, argc, argv, context);
     if (parsed >= 0) {
@@ -116,6 +131,9 @@ int main(int argc, char** argv) {
     } catch (const kzb::tool::Failure& failure) {
         kzb::tool::tell_error(failure.what());
         return failure.code;
+    } catch (const std::bad_alloc&) {
+        kzb::tool::tell_error("not enough memory");
+        return kzb::tool::exit_run_failed;
     } catch (const std::exception& e) {
         kzb::tool::tell_error(e.what());
         return kzb::tool::exit_run_failed;

@@ -22,14 +22,14 @@ namespace {
 constexpr std::string_view head = "$DORN-KZ";
 
 [[noreturn]] void unreadable(const std::string& path, std::string_view why) {
-    throw Failure(exit_file, fmt::format("{}: {}", path, why));
+    throw Failure(exit_file, fmt::format("{}: {}", path.empty() ? "\"\"" : path, why));
 }
 
 // True when the file begins as a KZB file of the present layout does.
 bool check_and_look_at_head(const std::string& path) {
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0) {
-        unreadable(path, fmt::format("cannot be opened: {}", std::strerror(errno)));
+        unreadable(path, fmt::format("cannot be opened ({}), expected a KZB file", std::strerror(errno)));
     }
     struct stat status {};
     std::array<char, head.size()> start{};
@@ -128,7 +128,8 @@ ModelFile read_model(const std::string& path) {
         const std::string cause = reading_error != 0 ? error_text(reading_error)
                                   : said.empty()     ? "it is broken or ends too early"
                                                      : fmt::format("{}", fmt::join(said, "; "));
-        unreadable(path, fmt::format("not a readable KZB file: {}", cause));
+        const std::string_view expected = model.has_head ? "a whole file of a known form" : "\"$DORN-KZ\" at its start";
+        unreadable(path, fmt::format("not a readable KZB file: {}, expected {}", cause, expected));
     }
     if (!model.has_head && !kzb_has_category("control", store)) {
         unreadable(path, "not a KZB file: expected \"$DORN-KZ\" at its start, or the sections of the older layout");

@@ -5,6 +5,7 @@
 #include "fmt/format.h"
 #include "fmt/ranges.h"
 #include "kzb/command.h"
+#include "kzb/input_text.h"
 #include "kzb/scenario_section.h"
 #include "kzb/scenario_settings.h"
 #include "kzb/scenario_waveform.h"
@@ -17,20 +18,7 @@ namespace {
 constexpr double sample_limit = 1e10;
 
 toml::table parse_file(const std::string& file) {
-    std::FILE* handle = std::fopen(file.c_str(), "rb");
-    if (handle == nullptr) {
-        throw Failure(exit_file, fmt::format("{}: cannot be opened, expected a scenario in TOML", file));
-    }
-    std::string text;
-    char block[4096];
-    for (std::size_t n = fread(block, 1, sizeof block, handle); n > 0; n = fread(block, 1, sizeof block, handle)) {
-        text.append(block, n);
-    }
-    const bool broken = std::ferror(handle) != 0;
-    std::fclose(handle);
-    if (broken) {
-        throw Failure(exit_file, fmt::format("{}: cannot be read, expected a scenario in TOML", file));
-    }
+    const std::string text = read_input_text(file, "a scenario in TOML");
     try {
         return toml::parse(text, file);
     } catch (const toml::parse_error& e) {
@@ -182,6 +170,11 @@ void read_record(Section& root, Scenario& scenario) {
     }
     scenario.record_every = static_cast<std::uint64_t>(section->integer("every", 1).value_or(1));
     scenario.record_from = section->not_negative("from").value_or(0.0);
+    const double last = scenario.time_of((scenario.samples - 1) / scenario.record_every * scenario.record_every);
+    if (scenario.record_from > last) {
+        section->fail("from", fmt::format("{} is after the last sample that could be recorded, at {} s",
+                                          scenario.record_from, last));
+    }
     section->end();
 }
 

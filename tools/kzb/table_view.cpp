@@ -50,7 +50,7 @@ void choose_axes(TableView& view, std::string_view axes) {
     }
 }
 
-void hold(TableView& view, std::string_view text) {
+void hold(TableView& view, std::string_view text, std::vector<bool>& held) {
     const std::size_t equals = text.find('=');
     if (equals == std::string_view::npos) {
         wrong(fmt::format("--at: \"{}\", expected AXIS=VALUE or AXIS=#INDEX", printable_line(text)));
@@ -59,6 +59,10 @@ void hold(TableView& view, std::string_view text) {
     if (axis == view.x || (view.y && axis == *view.y)) {
         wrong(fmt::format("--at: axis {} is one of the axes drawn", axis));
     }
+    if (held[static_cast<std::size_t>(axis - 1)]) {
+        wrong(fmt::format("--at: axis {} twice, expected one value for each axis", axis));
+    }
+    held[static_cast<std::size_t>(axis - 1)] = true;
     std::string_view value = text.substr(equals + 1);
     double& fixed = view.fixed[static_cast<std::size_t>(axis - 1)];
     const int count = view.nodes(axis);
@@ -131,8 +135,9 @@ TableView view_of(const KZB_TABLE& table, const std::string& name, const std::st
         throw Failure(exit_file, fmt::format("{}: has no values, it cannot be drawn", name));
     }
     choose_axes(view, axes);
+    std::vector<bool> axes_held(view.fixed.size());
     for (const std::string& text : held) {
-        hold(view, text);
+        hold(view, text, axes_held);
     }
     return view;
 }
