@@ -111,7 +111,7 @@ TEST(Robustness, every_example_of_the_scenario_document_is_a_valid_scenario) {
             scenario = scenario_head + scenario;
         }
         if (example.find("[time]") == std::string::npos) {
-            scenario += "[time]\nstep = 1e-5\nstop = 1e-3\n";
+            scenario += "[time]\nstep = 1e-5\nstop = 0.03\n";
         }
         if (example.find("[sources") == std::string::npos) {
             scenario += "[sources]\nall = 0\n";
