@@ -62,13 +62,13 @@ KZB_API void kzb_initialize(KZB_STORE** out);
  * @param[in] handle  store; categories already there are added to.
  * @return    0, or 1: the file could not be opened (error 90001), its head is wrong (90009) or unknown (90001), a
  *            category name or a keyword of the binary form has 256 bytes or more (90009), memory ran out, or the end
- *            mark is missing. What was read so far stays. A faulty entry of the ascii form leaves 90005 and reading goes
- *            on.
+ *            mark is missing. What was read so far stays. A faulty entry of the ascii form leaves 90005 and reading
+ * goes on.
  *
  * The environment variable KZB_READING_ASCII, when set, decides the form: a number above 0 is ascii, else binary.
  * A file with `control`/`incomplete` raises the warning 90033. Lines of the ascii form may end in "\r\n".
- * The store loads tables from the file read last: tables of a file read before under another path, or in the other form,
- * that are not loaded by then stay empty placeholders. Load them with kzb_set_application first.
+ * The store loads tables from the file read last: tables of a file read before under another path, or in the other
+ * form, that are not loaded by then stay empty placeholders. Load them with kzb_set_application first.
  */
 KZB_API int kzb_reader(const char* path, KZB_STORE* handle);
 
