@@ -50,10 +50,10 @@ coverage: deps
 	gcovr --root . --filter src/ --exclude-throw-branches --print-summary build/coverage
 
 format:
-	clang-format -i $(SOURCES)
+	@clang-format -i $(SOURCES)
 
 check-format:
-	clang-format --dry-run -Werror $(SOURCES)
+	@clang-format --dry-run -Werror $(SOURCES)
 
 tidy: deps
 	cmake --preset dev
