@@ -17,8 +17,8 @@ usage() {
 [ $# -ge 1 ] || usage
 build=$1
 shift
-min_time=0.1
-repetitions=3
+min_time=0.03
+repetitions=9
 strict=
 only=
 while [ $# -gt 0 ]; do
