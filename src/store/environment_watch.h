@@ -1,7 +1,8 @@
 // The environment variables that act on lookups, tested at every exported call that looks up.
 //
 // The environment is an array of pointers, and every setenv, putenv and unsetenv changes one of them. The watch keeps a
-// copy of the array: while the pointers are the same, so are the variables, and no text need be read.
+// copy of the array: while the pointers are the same, so are the variables, and no text need be read. The limit: a name
+// that the host rewrites inside a buffer it once gave to putenv, at the same address, is not seen.
 #pragma once
 
 #include <vector>
