@@ -7,6 +7,8 @@
 // Proportion shows only where all steps are of one length to the last bit: the Harmonic step takes a step longer than
 // the one before, were it by rounding alone, with the induced voltage of the step before. Sample times here are exact
 // multiples of a dt with few binary digits; times that round as n * dt does are tried apart.
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -107,7 +109,7 @@ class PmsmPhysics : public testing::TestWithParam<Case> {
   protected:
     void SetUp() override {
         const tool::PmsmBuild build = tool::build_pmsm(options_of(GetParam()));
-        path_ = testing::TempDir() + "physics_" + GetParam().name + ".kzb";
+        path_ = testing::TempDir() + "physics_" + std::to_string(::getpid()) + "_" + GetParam().name + ".kzb";
         const tool::StorePointer store = tool::write_model(build.model.store.get(), path_);
         machine_ = machine_tables(store.get(), tool::name_of(GetParam().application));
         drive_ = drive_of(GetParam(), build);

@@ -232,7 +232,7 @@ TEST(BuildFrames, ldlq_derived_by_the_store_from_harmonic_tables_are_the_inducta
     PmsmOptions options = options_for(file.path(), Application::Harmonic);
     options.machine.beta_zero = 40.0;
     const PmsmBuild build = build_pmsm(options);
-    const std::string path = testing::TempDir() + "build_frames.kzb";
+    const std::string path = fmt::format("{}{}_build_frames.kzb", testing::TempDir(), ::getpid());
     const StorePointer written = write_model(build.model.store.get(), path);
     ASSERT_EQ(kzb_make_LdLq(written.get()), 1);
     each_value(written.get(), "dq_inductance", "d_inductance",

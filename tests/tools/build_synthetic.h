@@ -4,6 +4,8 @@
 // A linear map is reproduced by cubic splines to rounding, so tables compare with the formula.
 #pragma once
 
+#include <unistd.h>
+
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -35,7 +37,8 @@ inline double psi_q(double iq) {
 // A file of the test's own, gone with the object.
 class TextFile {
   public:
-    TextFile(const std::string& name, const std::string& text) : path_(testing::TempDir() + name) {
+    TextFile(const std::string& name, const std::string& text)
+        : path_(fmt::format("{}{}_{}", testing::TempDir(), ::getpid(), name)) {  // tests run side by side
         std::ofstream(path_, std::ios::binary) << text;
     }
     ~TextFile() { std::remove(path_.c_str()); }
