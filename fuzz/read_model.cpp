@@ -1,11 +1,14 @@
-// Reads the input as a model file, loads all bodies, looks every table up in the middle of its axes, expands and skews.
+// Reads the input as a model file, once more as ascii where it has no head, loads all bodies, looks every table up in
+// the middle of its axes, expands and skews.
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
@@ -45,15 +48,7 @@ void look_up_all(KZB_STORE* store) {
     }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    silence();
-    static const int file = memfd_create("model", MFD_CLOEXEC);
-    static const std::string path = "/proc/self/fd/" + std::to_string(file);
-    if (ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) {
-        return 0;
-    }
+void use_model(const std::string& path) {
     KZB_STORE* store = nullptr;
     kzb_initialize(&store);
     kzb_reader(path.c_str(), store);
@@ -63,5 +58,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kzb_apply_skew(3, 0, 5.0, 0.0, 2, 0, "Linear", store);
     kzb_make_LdLq(store);
     kzb_finish(store);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    silence();
+    static const int file = memfd_create("model", MFD_CLOEXEC);
+    static const std::string path = "/proc/self/fd/" + std::to_string(file);
+    if (ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) {
+        return 0;
+    }
+    use_model(path);
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (!text.starts_with("$DORN-KZ")) {
+        setenv("KZB_READING_ASCII", "1", 1);
+        use_model(path);
+        unsetenv("KZB_READING_ASCII");
+    }
     return 0;
 }

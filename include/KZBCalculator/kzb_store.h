@@ -60,10 +60,13 @@ KZB_API void kzb_initialize(KZB_STORE** out);
  *
  * @param[in] path    file; read as text of the host's file names.
  * @param[in] handle  store; categories already there are added to.
- * @return    0, or 1: the file could not be opened (error 90001), its head is wrong (90009) or unknown (90001), a
- *            category name or a keyword of the binary form has 256 bytes or more (90009), memory ran out, or the end
- *            mark is missing. What was read so far stays. A faulty entry of the ascii form leaves 90005 and reading
- * goes on.
+ * @return    0, or 1: the file could not be opened (error 90001), its head is wrong (90009), a category name or a
+ *            keyword of the binary form has 256 bytes or more (90009), memory ran out, or the end mark is missing. What
+ *            was read so far stays. A faulty entry of the ascii form leaves 90005 and reading goes on.
+ *
+ * A file without the head "$DORN-KZ" is read as one of the older layout, tables included (docs/file-format.md): 1 for
+ * a section that cannot be true (told on standard error), more than 1000 entries in `control` (90003) or a section mark
+ * that cannot be read (90004). A file without any section reads as an empty one.
  *
  * The environment variable KZB_READING_ASCII, when set, decides the form: a number above 0 is ascii, else binary.
  * A file with `control`/`incomplete` raises the warning 90033. Lines of the ascii form may end in "\r\n".
@@ -292,8 +295,9 @@ KZB_API KZB_INFORMATION kzb_get_application(KZB_STORE* handle, int index);
  * @param[in] motor        motor word, or "ALL" for every table.
  * @param[in] application  model word; null keeps the earlier one.
  *
- * A file that cannot be opened any more leaves error 90001 and "file reading error" on standard output. A table whose
- * body finds no memory ("memory allocation error" on standard error) stays as it was; a later call loads it.
+ * A file of the older layout has all its tables in memory: a line on standard output says so, and they stay as they
+ * are. A file that cannot be opened any more leaves error 90001 and "file reading error" on standard output. A table
+ * whose body finds no memory ("memory allocation error" on standard error) stays as it was; a later call loads it.
  */
 KZB_API void kzb_set_application(const char* motor, const char* application, KZB_STORE* handle);
 /** Number of visible motor information rows. */
@@ -334,6 +338,56 @@ KZB_API int kzb_apply_skew(int type_a, int type_b, double angle_a, double angle_
                            const char* method, KZB_STORE* handle);
 /** Replaces tables of current phases -90 to 90 degrees, half the range, by full ones. 0 done or nothing, 1 failure. */
 KZB_API int kzb_expand_table_considering_phase_symmetry(KZB_STORE* handle);
+
+/* ------------------------------------------------------------------------------------------------- measured data */
+
+/**
+ * Reads a correction file: measured factors that scale the tables of a permanent-magnet machine while it runs.
+ *
+ * @param[in] path    text file; docs/measured-files.md has its form. Lines may end in "\r\n".
+ * @param[in] handle  store of the model. Tables go to the category `correction`, leakage inductances (H) to
+ *                    `parameter`, counts of the blocks read to `information`.
+ * @return    0; 1 for a failure or an item of an older form. What was read before a failure stays.
+ *
+ * A table that the store has already is multiplied by the earlier one, looked up on the grid of the later; outside the
+ * earlier one's range the factor is 1.0.
+ * Errors:  set to 0 first. 90015 file not opened (also for a null path), 90016 no end marker, 90017 no start marker,
+ *          90018 another motor type, 90019 a number is missing (printed on standard error), 90020 to 90022 total flux
+ *          beside inductance or magnet flux, 90011 to 90014 an item of an older form or an unknown one, of which the
+ *          first is told and reading goes on. Rows or columns below 1 print "The num of row is zero.\n" and skip the
+ *          block. Correction tables still in the model file are loaded first; 90001 or 90009 where they cannot be.
+ *          Memory that ran out leaves 1 without a code.
+ * Threads: one thread per handle.
+ * Cost:    one pass over the file; a merge looks every node of the later table up in the earlier one.
+ */
+KZB_API int kzb_read_correction_file(const char* path, KZB_STORE* handle);
+
+/** Does nothing and returns 1, whatever the arguments: corrections act while the machine runs. */
+KZB_API int kzb_apply_correction(const char* path, KZB_STORE* handle);
+
+/**
+ * Adds iron loss data as a table: `loss_table`/`iron_loss` for the applications PMSM Harmonic and IM,
+ * `ironloss`/`table` with its axes and input ports for Generic.
+ *
+ * @param[in] path    text file with one point of a full grid per line; docs/measured-files.md has its form. A last
+ *                    line without line feed is not read.
+ * @param[in] handle  store of the model; a table of that name is replaced.
+ * @return    0, or 1 with the store, its error apart, as it was.
+ *
+ * Errors:  set to 0 first. 90025 the model takes no such table, 90015 file not opened (also for a null path), 90031 a
+ *          field is no number, 90023 another number of fields, 90024 no full grid, 90029 a coordinate that is no finite
+ *          number, a description with a number that is none, or a grid too large. Generic: 90026 no motion condition,
+ *          90027 no coil set of that name, 90028 a coil set without current phase.
+ * Threads: one thread per handle.
+ * Cost:    two passes over the file, about a second for a million points; memory in proportion to the file.
+ */
+KZB_API int kzb_add_loss_table(const char* path, KZB_STORE* handle);
+
+/**
+ * Adds the equivalent resistance of the copper loss (Ohm) as `equivalent_resistance_table`/`copper_loss`; application
+ * PMSM Harmonic alone, any other leaves 90025. All else as kzb_add_loss_table.
+ */
+KZB_API int kzb_add_equivalent_copper_loss_resistance_table(const char* path, KZB_STORE* handle);
 
 #ifdef __cplusplus
 }

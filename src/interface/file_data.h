@@ -5,8 +5,10 @@
 
 namespace kzb {
 
+// The iron loss as one table, which depends on the supply.
 inline bool has_loss_table(const KZB_CALC& handle) {
-    return has_parameter(*handle.store, "loss_table", "iron_loss");
+    return serves(handle, generic) ? has_parameter(*handle.store, "ironloss", "table")
+                                   : has_parameter(*handle.store, "loss_table", "iron_loss");
 }
 
 inline bool has_user_copperloss(const KZB_CALC& handle) {
@@ -20,7 +22,10 @@ inline bool has_ironloss(const KZB_CALC& handle) {
         (has_category(store, "hysloss") || has_category(store, "eddyloss"))) {
         return true;
     }
-    return serves(handle, rotary_pm | induction) && has_loss_table(handle);
+    if (serves(handle, induction) && table_dim(store, "InductionParam_HigherAccuracy", "ironloss_table") > 0) {
+        return true;
+    }
+    return serves(handle, rotary_pm | induction | generic) && has_loss_table(handle);
 }
 
 // Whether a loss that depends on the supply (DC voltage, carrier frequency) is in use.

@@ -9,8 +9,6 @@ using namespace kzb;
 
 namespace {
 
-constexpr MotorSet all_but_generic = ~generic;
-
 // Degrees become radians also for the linear solenoid, whose displacement is metres, as established.
 double initial_position_of(const MotorType& type, double displacement) {
     switch (type.initial_travel) {
@@ -37,8 +35,7 @@ int kzbcalcSetInitialCurrent(int phase, double current, KZB_CALC* handle) {
         if (status != 0) {
             return status;
         }
-        return with_model(handle, all_but_generic, 0,
-                          [&](Calc_Eq& model) { model.set_initial_current(phase, current); });
+        return with_model<with_phases>(handle, 0, [&](auto& model) { model.set_initial_current(phase, current); });
     });
 }
 
@@ -49,7 +46,7 @@ int kzbcalcSetInitialDisplacement(double displacement, KZB_CALC* handle) {
         }
         const double position = initial_position_of(*handle->type, displacement);
         handle->initial_displacement[0] = position;
-        with_model(handle, rotary_pm, 0, [&](Calc_Eq& model) {
+        with_model<rotary_pm>(handle, 0, [&](Calc_Eq& model) {
             if (model.application() == flux_integral) {
                 model.set_position(position);
             }
@@ -59,11 +56,13 @@ int kzbcalcSetInitialDisplacement(double displacement, KZB_CALC* handle) {
 }
 
 int kzbcalcSetInitialTime(double time, KZB_CALC* handle) {
-    return set_value(handle, time, not_negative(status_time), all_but_generic, no_type_first,
-                     [=](Calc_Eq& model) { model.set_initial_time(time); });
+    return set_value<with_phases>(handle, time, not_negative(status_time),
+                                  [=](auto& model) { model.set_initial_time(time); });
 }
 
 int kzbcalcSetResistance(double resistance, KZB_CALC* handle) {
-    return set_value(handle, resistance, above_zero(status_resistance), all_but_generic, no_type_first,
-                     [=](Calc_Eq& model) { model.set_resistance_base(resistance); });
+    return set_value<with_phases>(
+        handle, resistance, above_zero(status_resistance), [=](auto& model) { model.set_resistance_base(resistance); },
+        [=](Calc_Eq_im_transient& model) { model.set_resistance(resistance); },
+        [=](Calc_Eq_wfsm& model) { model.set_resistance(resistance); });
 }

@@ -56,7 +56,7 @@ int initialize(KZB_CALC& handle, const char* path, int calc_mode) {
     ControlRecord record;
     record.read(*store);
     std::unique_ptr<Calc> model = create_model(*handle.type);
-    set_start_values(*handle.type, *model, record, *store);
+    set_start_values(handle, *model, record);
     handle.model = std::move(model);
     return 0;
 }
@@ -78,7 +78,7 @@ int kzbcalcInitialize(const char* path, int calc_mode, KZB_CALC** out) {
 int kzbcalcTerminate(KZB_CALC* handle) {
     const std::unique_ptr<KZB_CALC> owned(handle);
     return guarded(0, [&] {
-        with_model(handle, permanent_magnet, 0, [](Calc_Eq& model) { model.reset(); });
+        with_model<with_phases>(handle, 0, [](auto& model) { model.reset(); });
         return 0;
     });
 }

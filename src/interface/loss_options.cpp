@@ -17,14 +17,25 @@ bool old_ironloss_asked() {
     return text != nullptr && std::strtol(text, nullptr, 10) == 1;
 }
 
+// An induction machine of circuit constants has its iron loss in their "g0", whatever tables the file holds. A file of
+// the higher-accuracy tables needs the loss data.
+bool iron_loss_by_circuit(KZB_CALC& handle) {
+    return with_model<induction>(&handle, false, [&](Calc_Eq_im_transient& model) {
+        return model.inductance_type(*handle.store) != 1 && get_double(*handle.store, "InductionParam", "g0") != 0.0;
+    });
+}
+
 // A number of the supply: refused while no loss depends on it.
 template <class... Bodies>
 int set_supply(KZB_CALC* handle, Bodies&&... bodies) {
     return guarded(status_not_applicable, [&] {
-        const bool in_use = with_model(handle, with_user_copperloss, true, [&](Calc_Eq& model) {
-            return supply_in_use(*handle, model.user_copperloss_on(), model.ironloss_on());
-        });
-        return in_use ? with_model(handle, with_user_copperloss, status_not_applicable, std::forward<Bodies>(bodies)...)
+        const bool in_use = with_model<with_user_copperloss>(
+            handle, true,
+            [=](Calc_Eq& model) { return supply_in_use(*handle, model.user_copperloss_on(), model.ironloss_on()); },
+            [=](Calc_Eq_im_transient& model) {
+                return supply_in_use(*handle, model.user_copper_loss_enabled(), model.ironloss_enabled());
+            });
+        return in_use ? with_model<with_user_copperloss>(handle, status_not_applicable, std::forward<Bodies>(bodies)...)
                       : status_not_in_use;
     });
 }
@@ -42,7 +53,7 @@ int kzbcalcSetIronlossCalc(KZB_CALC* handle) {
         if (!serves(*handle, with_ironloss)) {
             return status_not_applicable;
         }
-        if (!has_ironloss(*handle)) {
+        if (!iron_loss_by_circuit(*handle) && !has_ironloss(*handle)) {
             return status_no_loss_data;
         }
         handle->ironloss_flag = 1;
@@ -93,9 +104,9 @@ int kzbcalcSetPWMFreq(double frequency, KZB_CALC* handle) {
 }
 
 int kzbcalcSetDCVoltage(double voltage, KZB_CALC* handle) {
-    return set_supply(handle, [=](Calc_Eq& model) { model.set_dc_voltage(voltage); });
+    return set_supply(handle, [=](auto& model) { model.set_dc_voltage(voltage); });
 }
 
 int kzbcalcSetCarrierFrequency(double frequency, KZB_CALC* handle) {
-    return set_supply(handle, [=](Calc_Eq& model) { model.set_carrier_frequency(frequency); });
+    return set_supply(handle, [=](auto& model) { model.set_carrier_frequency(frequency); });
 }

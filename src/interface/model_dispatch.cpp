@@ -7,6 +7,16 @@ std::unique_ptr<Calc> create_model(const MotorType& type) {
         case rotary_pm:
         case linear_pm:
             return std::make_unique<Calc_Eq>();
+        case stepping:
+            return std::make_unique<Calc_Eq_sm>();
+        case solenoid:
+            return std::make_unique<Calc_Eq_solenoid>();
+        case induction:
+            return std::make_unique<Calc_Eq_im_transient>();
+        case wound_field:
+            return std::make_unique<Calc_Eq_wfsm>();
+        case reluctance:
+            return std::make_unique<Calc_Eq_sr>();
         default:
             return nullptr;
     }

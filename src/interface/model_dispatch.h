@@ -1,7 +1,8 @@
 // The one place that knows which model class serves which motor type.
 //
-// An exported call names the motor types it applies to and gives one small lambda per model class. A null handle, a
-// handle without a model, another motor type, or a class without a lambda take the fallback.
+// An exported call names the motor types it applies to and gives one small lambda per model class, or one of `auto&`
+// or `Calc&` for classes that share the operation. A null handle, a handle without a model, another motor type, or a
+// class without a lambda take the fallback.
 #pragma once
 
 #include <memory>
@@ -11,6 +12,11 @@
 #include "interface/kzbcalc_handle.h"
 #include "interface/status.h"
 #include "models/calc_eq.h"
+#include "models/calc_eq_im.h"
+#include "models/calc_eq_sm.h"
+#include "models/calc_eq_solenoid.h"
+#include "models/calc_eq_sr.h"
+#include "models/calc_eq_wfsm.h"
 
 namespace kzb {
 
@@ -30,24 +36,25 @@ struct Overloaded : Bodies... {
     using Bodies::operator()...;
 };
 
-template <class Model, class Result, class Bodies>
+// Result of the body for `Model`, when the call applies to any of its types (`common`).
+template <class Model, MotorSet common, class Result, class Bodies>
 Result invoke_for(Calc& model, Result fallback, Bodies& bodies) {
-    if constexpr (std::is_invocable_v<Bodies&, Model&>) {
-        if constexpr (std::is_void_v<std::invoke_result_t<Bodies&, Model&>>) {
-            bodies(static_cast<Model&>(model));
-            return Result{};
-        } else {
-            return bodies(static_cast<Model&>(model));
-        }
-    } else {
+    if constexpr (common == 0) {
         return fallback;
+    } else if constexpr (!std::is_invocable_v<Bodies&, Model&>) {
+        return fallback;
+    } else if constexpr (std::is_void_v<std::invoke_result_t<Bodies&, Model&>>) {
+        bodies(static_cast<Model&>(model));
+        return Result{};
+    } else {
+        return bodies(static_cast<Model&>(model));
     }
 }
 
 // Result of the lambda of the handle's model class, 0 for one that returns nothing; `fallback` where the call doesn't
 // apply.
-template <class Result, class... Bodies>
-Result with_model(KZB_CALC* handle, MotorSet types, Result fallback, Bodies&&... bodies) {
+template <MotorSet types, class Result, class... Bodies>
+Result with_model(KZB_CALC* handle, Result fallback, Bodies&&... bodies) {
     if (!has_model(handle) || !serves(*handle, types)) {
         return fallback;
     }
@@ -56,10 +63,29 @@ Result with_model(KZB_CALC* handle, MotorSet types, Result fallback, Bodies&&...
     switch (handle->type->set) {
         case rotary_pm:
         case linear_pm:
-            return invoke_for<Calc_Eq>(model, fallback, all);
+            return invoke_for<Calc_Eq, types & permanent_magnet>(model, fallback, all);
+        case stepping:
+            return invoke_for<Calc_Eq_sm, types & stepping>(model, fallback, all);
+        case solenoid:
+            return invoke_for<Calc_Eq_solenoid, types & solenoid>(model, fallback, all);
+        case induction:
+            return invoke_for<Calc_Eq_im_transient, types & induction>(model, fallback, all);
+        case wound_field:
+            return invoke_for<Calc_Eq_wfsm, types & wound_field>(model, fallback, all);
+        case reluctance:
+            return invoke_for<Calc_Eq_sr, types & reluctance>(model, fallback, all);
         default:
-            return fallback;
+            return invoke_for<Calc, types & generic>(model, fallback, all);
     }
+}
+
+// The same for a call that looks tables up: the environment is asked first, once.
+template <MotorSet types, class Result, class... Bodies>
+Result with_tables(KZB_CALC* handle, Result fallback, Bodies&&... bodies) {
+    if (has_model(handle) && handle->store != nullptr) {
+        read_lookup_switches(*handle->store);
+    }
+    return with_model<types>(handle, fallback, std::forward<Bodies>(bodies)...);
 }
 
 }  // namespace kzb

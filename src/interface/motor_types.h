@@ -16,6 +16,9 @@ inline constexpr MotorSet wound_field = 1U << 5;  // 10007
 inline constexpr MotorSet generic = 1U << 6;      // 10008
 inline constexpr MotorSet reluctance = 1U << 7;   // 10010, 10011, 10012
 inline constexpr MotorSet permanent_magnet = rotary_pm | linear_pm;
+inline constexpr MotorSet no_type = 0;
+inline constexpr MotorSet every_type = ~no_type;
+inline constexpr MotorSet with_phases = every_type & ~generic;  // those that number their ports
 
 // What a displacement is at the interface.
 enum class Travel { degrees, metres, none };

@@ -1,7 +1,6 @@
 // Exported calls: interpolation, accuracy, skew and connection; limits of the displacement; user inputs.
 #include "KZBCalculator/kzbcalc.h"
-#include "diagnostics/guard.h"
-#include "interface/model_dispatch.h"
+#include "interface/value_calls.h"
 
 using namespace kzb;
 
@@ -43,36 +42,29 @@ Accuracy accuracy_of_file(const KZB_STORE& store, int type) {
 }  // namespace
 
 int kzbcalcSetInterpolationType(int type, KZB_CALC* handle) {
-    return guarded(status_not_applicable, [&]() -> int {
-        if (!has_model(handle)) {
-            return status_not_applicable;
-        }
+    return set_option<every_type>(handle, [=](Calc& model) {
         if (!is_between(type, 0, interpolation_count - 1)) {
             return status_interpolation;
         }
-        handle->model->set_interpolation(interpolation_names[type]);
+        model.set_interpolation(interpolation_names[type]);
         return 0;
     });
 }
 
 int kzbcalcSetAccuracyType(int type, KZB_CALC* handle) {
-    return guarded(status_not_applicable, [&] {
-        return with_model(handle, rotary_pm, status_not_applicable, [&](Calc_Eq& model) {
-            const Accuracy accuracy = accuracy_of_file(*handle->store, type);
-            if (accuracy.status == 0) {
-                model.set_application(accuracy.kind);
-            }
-            return accuracy.status;
-        });
+    return set_option<rotary_pm>(handle, [=](Calc_Eq& model) {
+        const Accuracy accuracy = accuracy_of_file(*handle->store, type);
+        if (accuracy.status == 0) {
+            model.set_application(accuracy.kind);
+        }
+        return accuracy.status;
     });
 }
 
 int kzbcalcSetSkewParameter(int type_a, int type_b, double angle_a, double angle_b, int steps_a, int steps_b,
                             KZB_CALC* handle) {
-    return guarded(status_not_applicable, [&] {
-        return with_model(handle, rotary_pm, status_not_applicable, [&](Calc_Eq& model) {
-            model.set_skew({type_a, type_b, angle_a, angle_b, steps_a, steps_b});
-        });
+    return set_option<rotary_pm>(handle, [=](Calc_Eq& model) {
+        model.set_skew({type_a, type_b, angle_a, angle_b, steps_a, steps_b});
     });
 }
 
@@ -84,25 +76,25 @@ int kzbcalcSetConnectionType(int type, KZB_CALC* handle) {
         if (static_cast<unsigned>(type) > 1) {
             return status_connection;
         }
-        return with_model(handle, permanent_magnet | induction | wound_field, status_not_applicable,
-                          [&](Calc_Eq& model) { model.set_connection(type); });
+        return with_model<permanent_magnet | induction | wound_field>(handle, status_not_applicable,
+                                                                      [=](auto& model) { model.set_connection(type); });
     });
 }
 
 double kzbcalcGetUpperLimitDisplacement(KZB_CALC* handle) {
-    return guarded(as_value(status_not_applicable),
-                   [&] { return with_model(handle, solenoid, as_value(status_not_applicable)); });
+    return get_value<solenoid>(
+        handle, [=](Calc_Eq_solenoid&) { return get_double(*handle->store, "parameter", "DispLimitMax"); });
 }
 
 double kzbcalcGetLowerLimitDisplacement(KZB_CALC* handle) {
-    return guarded(as_value(status_not_applicable),
-                   [&] { return with_model(handle, solenoid, as_value(status_not_applicable)); });
+    return get_value<solenoid>(
+        handle, [=](Calc_Eq_solenoid&) { return get_double(*handle->store, "parameter", "DispLimitMin"); });
 }
 
 int kzbcalcSetUserInputParameter(int /*index*/, double /*value*/, KZB_CALC* handle) {
-    return guarded(status_not_applicable, [&] { return with_model(handle, generic, status_not_applicable); });
+    return set_option<generic>(handle);
 }
 
 int kzbcalcGetNumberOfUserInputParameters(KZB_CALC* handle) {
-    return guarded(status_not_applicable, [&] { return with_model(handle, generic, status_not_applicable); });
+    return set_option<generic>(handle);
 }

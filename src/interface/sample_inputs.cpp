@@ -28,6 +28,29 @@ void bind(KZB_CALC& handle, Calc_Eq& model) {
     }
 }
 
+void bind(KZB_CALC& handle, Calc_Eq_sm& model) {
+    model.bind(*handle.store);
+}
+
+void bind(KZB_CALC& handle, Calc_Eq_solenoid& model) {
+    model.bind(*handle.store);
+}
+
+void bind(KZB_CALC& handle, Calc_Eq_sr& model) {
+    model.bind(*handle.store, handle.type->ports);
+}
+
+void bind(KZB_CALC& handle, Calc_Eq_im_transient& model) {
+    model.bind(*handle.store, handle.ironloss_flag);
+    model.set_user_copper_loss_enabled(handle.user_copperloss_flag != 0);
+}
+
+void bind(KZB_CALC& handle, Calc_Eq_wfsm& model) {
+    model.bind(*handle.store);
+    model.set_loss_mode(handle.ironloss_flag, handle.pwm_flag);
+    model.set_pwm_frequency(handle.pwm_frequency);
+}
+
 void integrate_flux(KZB_CALC& handle, Calc_Eq& model) {
     if (handle.state.size() != flux_components) {
         return;  // the data were never set
@@ -58,14 +81,41 @@ void execute(KZB_CALC& handle, Calc_Eq& model) {
     model.step(v[0], v[1], v[2], handle.displacement[0], handle.time, signal[0], signal[1], signal[2], error);
 }
 
+// Stepping motor and solenoid see the terminal voltage less the magnet's.
+double less_magnet(const KZB_CALC& handle, const CoilMachine& model, int phase) {
+    return handle.voltage[index_of(phase)] - model.voltage(phase);
+}
+
+void execute(KZB_CALC& handle, Calc_Eq_sm& model) {
+    const std::vector<double>& signal = handle.signal;
+    model.step(less_magnet(handle, model, 1), less_magnet(handle, model, 2), less_magnet(handle, model, 3),
+               less_magnet(handle, model, 4), handle.displacement[0], handle.time, signal[0], signal[1], signal[2],
+               signal[3]);
+}
+
+void execute(KZB_CALC& handle, Calc_Eq_solenoid& model) {
+    model.step(less_magnet(handle, model, 1), handle.displacement[0], handle.time, handle.signal[0]);
+}
+
+void execute(KZB_CALC& handle, Calc_Eq_sr& model) {
+    model.step(handle.voltage.data(), handle.displacement[0], handle.time, handle.signal.data());
+}
+
+void execute(KZB_CALC& handle, Calc_Eq_im_transient& model) {
+    model.execute(handle.voltage.data(), handle.displacement[0], handle.time, handle.signal.data(), handle.step_size,
+                  handle.state.data());
+}
+
+void execute(KZB_CALC& handle, Calc_Eq_wfsm& model) {
+    int error = 0;
+    model.step(handle.voltage.data(), handle.displacement[0], handle.time, handle.signal.data(), error);
+}
+
 }  // namespace
 
 int kzbcalcSetData(KZB_CALC* handle) {
     return guarded(0, [&] {
-        return with_model(handle, permanent_magnet, status_not_applicable, [&](Calc_Eq& model) {
-            read_lookup_switches(*handle->store);
-            bind(*handle, model);
-        });
+        return with_tables<with_phases>(handle, status_not_applicable, [=](auto& model) { bind(*handle, model); });
     });
 }
 
@@ -77,11 +127,14 @@ int kzbcalcSetTime(double time, KZB_CALC* handle) {
         if (time < 0.0) {
             return status_time;
         }
-        with_model(handle, permanent_magnet, 0, [&](Calc_Eq& model) {
-            if (model.application() != flux_integral) {
-                model.set_time(time);
-            }
-        });
+        // A wound-field model takes the time at its step.
+        with_model<with_phases & ~wound_field>(
+            handle, 0, [=](auto& model) { model.set_time(time); },
+            [=](Calc_Eq& model) {
+                if (model.application() != flux_integral) {
+                    model.set_time(time);
+                }
+            });
         handle->previous_time = handle->time;
         handle->time = time;
         return 0;
@@ -95,11 +148,14 @@ int kzbcalcSetDisplacement(double displacement, KZB_CALC* handle) {
         }
         const double position = position_of(*handle, displacement);
         handle->displacement[0] = position;
-        with_model(handle, permanent_magnet, 0, [&](Calc_Eq& model) {
-            if (handle->type->set == linear_pm || model.application() != flux_integral) {
-                model.set_position(position);
-            }
-        });
+        // A wound-field model takes the position at its step.
+        with_model<with_phases & ~wound_field>(
+            handle, 0, [=](auto& model) { model.set_position(position); },
+            [=](Calc_Eq& model) {
+                if (handle->type->set == linear_pm || model.application() != flux_integral) {
+                    model.set_position(position);
+                }
+            });
         return 0;
     });
 }
@@ -120,8 +176,12 @@ int kzbcalcSetCurrent(int phase, double current, KZB_CALC* handle) {
         if (status != 0) {
             return status;
         }
-        return with_model(handle, permanent_magnet, status_not_applicable,
-                          [&](Calc_Eq& model) { model.set_current(phase, current); });
+        if (serves(*handle, induction | wound_field)) {
+            handle->current[index_of(phase)] = current;
+        }
+        // A wound-field model takes the currents when its torque is asked for.
+        return with_model<with_phases & ~wound_field>(handle, 0,
+                                                      [=](auto& model) { model.set_current(phase, current); });
     });
 }
 
@@ -136,16 +196,12 @@ int kzbcalcSetSignal(int phase, int signal, KZB_CALC* handle) {
 }
 
 int kzbcalcExecute(KZB_CALC* handle) {
-    return guarded(0, [&] {
-        return with_model(handle, permanent_magnet, 0, [&](Calc_Eq& model) {
-            read_lookup_switches(*handle->store);
-            execute(*handle, model);
-        });
-    });
+    return guarded(0,
+                   [&] { return with_tables<with_phases>(handle, 0, [=](auto& model) { execute(*handle, model); }); });
 }
 
 int kzbcalcUpdate(KZB_CALC* handle) {
     return guarded(status_not_applicable, [&] {
-        return with_model(handle, permanent_magnet, status_not_applicable, [](Calc_Eq& model) { model.accept(); });
+        return with_model<with_phases>(handle, status_not_applicable, [](auto& model) { model.accept(); });
     });
 }

@@ -6,22 +6,24 @@
 
 namespace kzb {
 
-template <class... Bodies>
-int set_temperature(KZB_CALC* handle, double value, ValueTest test, MotorSet types, Bodies&&... bodies) {
-    if (has_model(handle) && !handle->model->temperature_correction()) {
-        return status_no_temperature_correction;
-    }
-    return set_value(handle, value, test, types, no_type_first, std::forward<Bodies>(bodies)...);
+inline bool temperature_is_off(const KZB_CALC* handle) {
+    return has_model(handle) && !handle->model->temperature_correction();
 }
 
-template <class... Bodies>
-double get_temperature(KZB_CALC* handle, MotorSet types, Bodies&&... bodies) {
-    return guarded(as_value(status_not_applicable), [&] {
-        if (has_model(handle) && !handle->model->temperature_correction()) {
-            return as_value(status_no_temperature_correction);
-        }
-        return with_model(handle, types, as_value(status_not_applicable), std::forward<Bodies>(bodies)...);
-    });
+template <MotorSet types, class... Bodies>
+int set_temperature(KZB_CALC* handle, double value, ValueTest test, Bodies&&... bodies) {
+    if (temperature_is_off(handle)) {
+        return status_no_temperature_correction;
+    }
+    return set_value<types>(handle, value, test, std::forward<Bodies>(bodies)...);
+}
+
+template <MotorSet types, class... Bodies>
+double get_temperature(KZB_CALC* handle, Bodies&&... bodies) {
+    if (temperature_is_off(handle)) {
+        return as_value(status_no_temperature_correction);
+    }
+    return get_value<types>(handle, std::forward<Bodies>(bodies)...);
 }
 
 // The values' units and what they refuse.

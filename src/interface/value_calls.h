@@ -19,10 +19,9 @@ constexpr ValueTest not_negative(int status) {
     return {[](double value) { return value < 0.0; }, status};
 }
 
-// Sets a value: first the motor types `refused_first`, then the value, then the types that have no lambda.
-template <class... Bodies>
-int set_value(KZB_CALC* handle, double value, ValueTest test, MotorSet types, MotorSet refused_first,
-              Bodies&&... bodies) {
+// Sets a value: first the motor types `refused_first`, then the value, then the types.
+template <MotorSet types, MotorSet refused_first = no_type, class... Bodies>
+int set_value(KZB_CALC* handle, double value, ValueTest test, Bodies&&... bodies) {
     return guarded(status_not_applicable, [&]() -> int {
         if (!has_model(handle) || serves(*handle, refused_first)) {
             return status_not_applicable;
@@ -30,10 +29,23 @@ int set_value(KZB_CALC* handle, double value, ValueTest test, MotorSet types, Mo
         if (test.refuses(value)) {
             return test.status;
         }
-        return with_model(handle, types, status_not_applicable, std::forward<Bodies>(bodies)...);
+        return with_model<types>(handle, status_not_applicable, std::forward<Bodies>(bodies)...);
     });
 }
 
-inline constexpr MotorSet no_type_first = 0;
+// Reads a value of the model, or the status that refuses the motor type.
+template <MotorSet types, class... Bodies>
+double get_value(KZB_CALC* handle, Bodies&&... bodies) {
+    return guarded(as_value(status_not_applicable), [&] {
+        return with_model<types>(handle, as_value(status_not_applicable), std::forward<Bodies>(bodies)...);
+    });
+}
+
+// An action on the model with a status as its result.
+template <MotorSet types, class... Bodies>
+int set_option(KZB_CALC* handle, Bodies&&... bodies) {
+    return guarded(status_not_applicable,
+                   [&] { return with_model<types>(handle, status_not_applicable, std::forward<Bodies>(bodies)...); });
+}
 
 }  // namespace kzb

@@ -37,8 +37,6 @@ class Calc_Eq : public Calc {
     static constexpr int error_infinite = 18;
     static constexpr int error_not_a_number = 19;
     static constexpr int error_old_correction = 20;
-    // The counter of accepted steps ends here, far beyond its meaning.
-    static constexpr int most_steps = 0x7fffffff;
 
     Calc_Eq();
     ~Calc_Eq() override;
@@ -200,7 +198,7 @@ class Calc_Eq : public Calc {
     void update_dq_inductances(double angle, const PhaseAngles& at);
 
     // calc_eq_step.cpp
-    void forget_unset_start();
+    void take_start();
     void take_first_multipliers();
     void take_first_fluxes();
     bool solve_currents(double dt, const double* voltages, const bool* driven, const PhaseAngles& at, int& error);

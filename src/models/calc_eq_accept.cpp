@@ -1,5 +1,6 @@
 // What Calc_Eq keeps of an accepted sample, and the voltage induced since the one before.
 #include "models/calc_eq.h"
+#include "models/first_step.h"
 #include "models/history.h"
 
 namespace kzb {
@@ -11,9 +12,7 @@ void Calc_Eq::accept() {
     shift_history(s.total_flux, s.total_flux_previous);
     shift_history(s.coil_flux, s.coil_flux_previous);
     shift_history(integral_.noload_flux, integral_.noload_flux_previous);
-    if (s.step_count < most_steps) {
-        ++s.step_count;
-    }
+    count_step(s.step_count);
     shift_history(s.inductance, s.inductance_previous);
     shift_history(s.coenergy, s.coenergy_previous);
     shift_history(s.position, s.position_previous);

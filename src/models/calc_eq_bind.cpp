@@ -2,6 +2,7 @@
 //
 // Nothing here reports an error: what the file does not have stays 0 or 0.0.
 #include "models/calc_eq.h"
+#include "models/turns.h"
 #include "store/store.h"
 #include "store/table_calls.h"
 #include "store/transform/transforms.h"
@@ -139,10 +140,9 @@ void Calc_Eq::read_geometry() {
 }
 
 void Calc_Eq::read_turns() {
-    const double turns = get_double(*store_, control, "turns_in_coil");
-    for (double* ratio : {&corrections_.turns1, &corrections_.turns2}) {
-        *ratio = turns == 0.0 || *ratio == 0.0 ? 1.0 : *ratio / turns;
-    }
+    const double file_turns = turns_in_coil(*store_);
+    corrections_.turns1 = turns_ratio(corrections_.turns1, file_turns);
+    corrections_.turns2 = turns_ratio(corrections_.turns2, file_turns);
 }
 
 void Calc_Eq::read_leakage() {

@@ -37,7 +37,7 @@ void Calc_Eq::dq_inductances_from_currents(double position) {
         return;
     }
     if (step_.step_count == 1) {
-        forget_unset_start();
+        take_start();
     }
     update_corrections(step_.current_amplitude_previous * corrections_.turns2, step_.current_phase);
     update_coil_flux();

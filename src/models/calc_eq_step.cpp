@@ -8,6 +8,7 @@
 
 #include "circuit/winding_solver.h"
 #include "models/calc_eq.h"
+#include "models/first_step.h"
 
 namespace kzb {
 
@@ -25,7 +26,7 @@ bool Calc_Eq::step(double v_u, double v_v, double v_w, double position, double t
     step_.time = time;
     const bool first = step_.step_count == 1;
     if (first) {
-        forget_unset_start();
+        take_start();
         if (machine_.application == harmonic) {
             temperatures_.magnet_temperature_previous = temperatures_.magnet_temperature;
         }
@@ -71,17 +72,10 @@ bool Calc_Eq::step(double v_u, double v_v, double v_w, double position, double t
     return true;
 }
 
-void Calc_Eq::forget_unset_start() {
-    for (std::size_t k = 0; k < 3; ++k) {
-        if (!step_.initial_current_set[k]) {
-            step_.current_previous[k] = 0.0;
-        }
-    }
+void Calc_Eq::take_start() {
+    forget_unset_start(step_.initial_current_set, step_.current_previous, step_.initial_time_set, step_.time_previous);
     step_.current_amplitude = 0.0;
     step_.current_phase = 0.0;
-    if (!step_.initial_time_set) {
-        step_.time_previous = 0.0;
-    }
 }
 
 void Calc_Eq::take_first_multipliers() {

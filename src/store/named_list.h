@@ -74,6 +74,17 @@ class NamedList {
         }
     }
 
+    // Exchanges the names of two records, both present; each keeps its place.
+    void swap_names(std::string_view first, std::string_view second) {
+        const auto a = index_.find(first);
+        const auto b = index_.find(second);
+        if (a == index_.end() || b == index_.end()) {
+            return;
+        }
+        std::swap(records_[a->second].keyword, records_[b->second].keyword);
+        std::swap(a->second, b->second);
+    }
+
   private:
     std::vector<Record> records_;
     NameIndex index_;

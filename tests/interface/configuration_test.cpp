@@ -1,10 +1,8 @@
-// The calls that configure a calculator: value tests, motor types, their order, and where the values go.
+// The calls that configure a permanent-magnet machine: where the values go, and what binding takes from them.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 
-#include "interface/call_table.h"
 #include "interface/model_file.h"
 
 namespace {
@@ -22,195 +20,13 @@ struct Linear : ModelFile {
     Linear() { linear_machine(*this, 1e-3, 0.0, 0.1, 0.5); }
 };
 
-// ---- one table: call, good and bad values, what 10000 and 10005 answer to each
-
-struct Row {
-    const char* name;
-    int (*set)(double, KZB_CALC*);
-    std::vector<double> good;
-    std::vector<double> bad;
-    int rotary_good;
-    int rotary_bad;
-    int linear_good;
-    int linear_bad;
-};
-
-#define KZB_ROW(call) #call, call
-
-const std::vector<double> positive{1.0, 2.5, 1e-300};
-const std::vector<double> zero_and_below{0.0, -0.0, -1e-300, -3.0};
-const std::vector<double> from_zero{0.0, 1e-300, 293.15, 4000.0};
-const std::vector<double> below_zero{-1e-300, -1.0};
-
-const std::vector<Row> plain_rows = {
-    {KZB_ROW(kzbcalcSetCorrectionOfFlux), positive, zero_and_below, 0, 180017, 0, 180017},
-    {KZB_ROW(kzbcalcSetCorrectionOfFieldFlux), positive, zero_and_below, 180039, 180017, 180039, 180017},
-    {KZB_ROW(kzbcalcSetCorrectionOfMagnet), positive, zero_and_below, 0, 180020, 0, 180020},
-    {KZB_ROW(kzbcalcSetCorrectionOfSteel), positive, zero_and_below, 0, 180021, 0, 180021},
-    {KZB_ROW(kzbcalcSetCorrectionOfInductance), positive, zero_and_below, 0, 180018, 0, 180018},
-    // The type is tested after the value for the torque, before it for the force.
-    {KZB_ROW(kzbcalcSetCorrectionOfTorque), positive, zero_and_below, 0, 180019, 180039, 180019},
-    {KZB_ROW(kzbcalcSetCorrectionOfForce), positive, zero_and_below, 180039, 180039, 0, 180033},
-    {KZB_ROW(kzbcalcSetCorrectionOfCoilTurn1), from_zero, below_zero, 0, 180016, 0, 180016},
-    {KZB_ROW(kzbcalcSetCorrectionOfCoilTurn2), from_zero, below_zero, 0, 180016, 0, 180016},
-    {KZB_ROW(kzbcalcSetCorrectionOfFieldCoilTurn2), from_zero, below_zero, 180039, 180016, 180039, 180016},
-    {KZB_ROW(kzbcalcSetInitialTime), from_zero, below_zero, 0, 180032, 0, 180032},
-    {KZB_ROW(kzbcalcSetTime), from_zero, below_zero, 0, 180032, 0, 180032},
-    {KZB_ROW(kzbcalcSetInitialDisplacement), {0.0, -90.0, 1e9}, {}, 0, 0, 0, 0},
-    {KZB_ROW(kzbcalcSetDisplacement), {0.0, -90.0, 1e9}, {}, 0, 0, 0, 0},
-    {KZB_ROW(kzbcalcSetResistance), positive, zero_and_below, 0, 180041, 0, 180041},
-    {KZB_ROW(kzbcalcSetFieldCoilResistance), positive, zero_and_below, 180039, 180041, 180039, 180041},
-    {KZB_ROW(kzbcalcSetSecondaryResistance), positive, zero_and_below, 180039, 180042, 180039, 180042},
-    {KZB_ROW(kzbcalcSetPWMFreq), {0.0, -1.0, 1e4}, {}, 0, 0, 0, 0},
-    // No loss that depends on the supply is in use.
-    {KZB_ROW(kzbcalcSetDCVoltage), {0.0, -1.0, 300.0}, {}, 180064, 0, 180039, 0},
-    {KZB_ROW(kzbcalcSetCarrierFrequency), {0.0, -1.0, 1e4}, {}, 180064, 0, 180039, 0},
-    {KZB_ROW(kzbcalcSetStepSize), from_zero, below_zero, 180039, 180039, 180039, 180039},
-    {KZB_ROW(kzbcalcSetSlipFrequency), {0.0, -1.0, 50.0}, {}, 180039, 0, 180039, 0},
-};
-
-const std::vector<double> coefficients{-100.0, -0.11, 0.0, -0.0};
-const std::vector<double> no_coefficients{-100.1, 0.1, 1e-300};
-
-const std::vector<Row> temperature_rows = {
-    {KZB_ROW(kzbcalcSetMagnetTemperature), from_zero, below_zero, 0, 180043, 0, 180043},
-    {KZB_ROW(kzbcalcSetMagnetBaseTemperature), from_zero, below_zero, 0, 180043, 0, 180043},
-    {KZB_ROW(kzbcalcSetMagFluxTemperatureCorrectionCoefficient), coefficients, no_coefficients, 0, 180045, 0, 180045},
-    {KZB_ROW(kzbcalcSetCoilTemperature), from_zero, below_zero, 0, 180043, 0, 180043},
-    {KZB_ROW(kzbcalcSetCoilBaseTemperature), from_zero, below_zero, 0, 180043, 0, 180043},
-    {KZB_ROW(kzbcalcSetCoilTemperatureCorrectionCoefficient), from_zero, below_zero, 0, 180044, 0, 180044},
-    {KZB_ROW(kzbcalcSetFieldCoilTemperature), from_zero, below_zero, 180039, 180043, 180039, 180043},
-    {KZB_ROW(kzbcalcSetFieldCoilBaseTemperature), from_zero, below_zero, 180039, 180043, 180039, 180043},
-    {KZB_ROW(kzbcalcSetFieldCoilTemperatureCorrectionCoefficient), from_zero, below_zero, 180039, 180044, 180039,
-     180044},
-    {KZB_ROW(kzbcalcSetSecondaryCoilTemperature), from_zero, below_zero, 180039, 180043, 180039, 180043},
-    {KZB_ROW(kzbcalcSetSecondaryCoilBaseTemperature), from_zero, below_zero, 180039, 180043, 180039, 180043},
-    {KZB_ROW(kzbcalcSetSecondaryCoilTemperatureCorrectionCoefficient), from_zero, below_zero, 180039, 180044, 180039,
-     180044},
-};
-
-#undef KZB_ROW
-
-void check(const std::vector<Row>& rows, KZB_CALC* rotary, KZB_CALC* linear) {
-    for (const Row& row : rows) {
-        for (const double value : row.good) {
-            EXPECT_EQ(row.set(value, rotary), row.rotary_good) << row.name << " rotary " << value;
-            EXPECT_EQ(row.set(value, linear), row.linear_good) << row.name << " linear " << value;
-        }
-        for (const double value : row.bad) {
-            EXPECT_EQ(row.set(value, rotary), row.rotary_bad) << row.name << " rotary " << value;
-            EXPECT_EQ(row.set(value, linear), row.linear_bad) << row.name << " linear " << value;
-        }
-    }
-}
-
-TEST(Configuration, every_setter_tests_value_and_motor_type_in_its_order) {
-    Rotary rotary_file;
-    Linear linear_file;
-    Calculator rotary(rotary_file);
-    Calculator linear(linear_file);
-    check(plain_rows, rotary, linear);
-}
-
-TEST(Configuration, every_temperature_setter_tests_value_and_motor_type_in_its_order) {
-    Rotary rotary_file;
-    Linear linear_file;
-    Calculator rotary(rotary_file);
-    Calculator linear(linear_file);
-    EXPECT_EQ(kzbcalcSetTemperatureCorrectionCalc(rotary), 0);
-    EXPECT_EQ(kzbcalcSetTemperatureCorrectionCalc(linear), 0);
-    check(temperature_rows, rotary, linear);
-}
-
-TEST(Configuration, temperature_setters_refuse_before_all_else_while_correction_is_off) {
-    Rotary rotary_file;
-    Linear linear_file;
-    Calculator rotary(rotary_file);
-    Calculator linear(linear_file);
-    for (const Row& row : temperature_rows) {
-        for (const double value : {1.0, -1.0, -1000.0}) {
-            EXPECT_EQ(row.set(value, rotary), 180046) << row.name;
-            EXPECT_EQ(row.set(value, linear), 180046) << row.name;
-        }
-    }
-}
-
-struct TemperatureGetter {
-    const char* name;
-    double (*get)(KZB_CALC*);
-    int (*set)(double, KZB_CALC*);  // null: not a quantity of permanent-magnet machines
-    double value;
-};
-
-const std::vector<TemperatureGetter> temperature_getters = {
-    {"magnet", kzbcalcGetMagnetTemperature, kzbcalcSetMagnetTemperature, 350.0},
-    {"magnet base", kzbcalcGetMagnetBaseTemperature, kzbcalcSetMagnetBaseTemperature, 351.0},
-    {"magnet coefficient", kzbcalcGetMagFluxTemperatureCorrectionCoefficient,
-     kzbcalcSetMagFluxTemperatureCorrectionCoefficient, -0.25},
-    {"coil", kzbcalcGetCoilTemperature, kzbcalcSetCoilTemperature, 352.0},
-    {"coil base", kzbcalcGetCoilBaseTemperature, kzbcalcSetCoilBaseTemperature, 353.0},
-    {"coil coefficient", kzbcalcGetCoilTemperatureCorrectionCoefficient, kzbcalcSetCoilTemperatureCorrectionCoefficient,
-     3900.0},
-    {"field", kzbcalcGetFieldCoilTemperature, nullptr, 0.0},
-    {"field base", kzbcalcGetFieldCoilBaseTemperature, nullptr, 0.0},
-    {"field coefficient", kzbcalcGetFieldCoilTemperatureCorrectionCoefficient, nullptr, 0.0},
-    {"secondary", kzbcalcGetSecondaryCoilTemperature, nullptr, 0.0},
-    {"secondary base", kzbcalcGetSecondaryCoilBaseTemperature, nullptr, 0.0},
-    {"secondary coefficient", kzbcalcGetSecondaryCoilTemperatureCorrectionCoefficient, nullptr, 0.0},
-};
-
-TEST(Configuration, temperatures_are_read_back_only_while_correction_is_on) {
-    Rotary rotary_file;
-    Linear linear_file;
-    for (ModelFile* const file : {static_cast<ModelFile*>(&rotary_file), static_cast<ModelFile*>(&linear_file)}) {
-        Calculator calc(*file);
-        EXPECT_EQ(kzbcalcGetTemperatureCorrectionCalc(calc), 0);
-        for (const TemperatureGetter& row : temperature_getters) {
-            EXPECT_EQ(row.get(calc), 180046.0) << row.name;
-        }
-        EXPECT_EQ(kzbcalcSetTemperatureCorrectionCalc(calc), 0);
-        EXPECT_EQ(kzbcalcGetTemperatureCorrectionCalc(calc), 1);
-        for (const TemperatureGetter& row : temperature_getters) {
-            if (row.set != nullptr) {
-                EXPECT_EQ(row.set(row.value, calc), 0) << row.name;
-            }
-        }
-        for (const TemperatureGetter& row : temperature_getters) {
-            EXPECT_EQ(row.get(calc), row.set != nullptr ? row.value : 180039.0) << row.name;
-        }
-    }
-}
-
 TEST(Configuration, refused_value_changes_nothing) {
     Rotary file;
     Calculator calc(file);
-    kzbcalcSetTemperatureCorrectionCalc(calc);
-    kzbcalcSetMagnetTemperature(300.0, calc);
-    EXPECT_EQ(kzbcalcSetMagnetTemperature(-1.0, calc), 180043);
-    EXPECT_EQ(kzbcalcGetMagnetTemperature(calc), 300.0);
     kzbcalcSetResistance(3.0, calc);
     EXPECT_EQ(kzbcalcSetResistance(0.0, calc), 180041);
     kzbcalcSetData(calc);
     EXPECT_EQ(kzbcalcGetResistance(calc), 3.0);
-}
-
-// ---- calls of other machines
-
-TEST(Configuration, calls_of_other_machines_are_refused) {
-    Rotary rotary_file;
-    Linear linear_file;
-    for (ModelFile* const file : {static_cast<ModelFile*>(&rotary_file), static_cast<ModelFile*>(&linear_file)}) {
-        Calculator calc(*file);
-        EXPECT_EQ(kzbcalcCheckInductionMotorInductanceType(calc), 180039);
-        EXPECT_EQ(kzbcalcGetNumberOfUserInputParameters(calc), 180039);
-        EXPECT_EQ(kzbcalcSetUserInputParameter(1, 1.0, calc), 180039);
-        for (double (*const get)(KZB_CALC*) :
-             {kzbcalcGetSlipFrequency, kzbcalcGetSecondaryResistance, kzbcalcGetPrimaryCopperLoss,
-              kzbcalcGetSecondaryCopperLoss, kzbcalcGetSecondaryFluxD, kzbcalcGetSecondaryFluxQ,
-              kzbcalcGetFieldCoilResistance, kzbcalcGetUpperLimitDisplacement, kzbcalcGetLowerLimitDisplacement}) {
-            EXPECT_EQ(get(calc), 180039.0);
-        }
-    }
 }
 
 // ---- where corrections go: kind 2, Ld = Lq = 2e-3 H, d_flux 0.1 Vs
@@ -305,20 +121,6 @@ TEST(Configuration, magnet_temperature_scales_the_coil_flux) {
 
 // ---- options
 
-TEST(Configuration, interpolation_types_are_zero_to_four) {
-    Rotary file;
-    Linear linear;
-    for (ModelFile* const each : {static_cast<ModelFile*>(&file), static_cast<ModelFile*>(&linear)}) {
-        Calculator calc(*each);
-        for (int type = 0; type <= 4; ++type) {
-            EXPECT_EQ(kzbcalcSetInterpolationType(type, calc), 0);
-        }
-        for (const int type : {-1, 5, 100, -2147483647 - 1}) {
-            EXPECT_EQ(kzbcalcSetInterpolationType(type, calc), 180047);
-        }
-    }
-}
-
 TEST(Configuration, interpolation_type_changes_the_lookup) {
     // Ld over the amplitude: nodes 0, 1, 2 A hold 0, 1, 4 H, so linear gives 0.5 H at 0.5 A. A natural spline through
     // them has the second derivative 3 at the middle node, so at 0.5: 0.5 + 3 (0.125 - 0.5) / 6 = 0.3125.
@@ -384,15 +186,6 @@ TEST(Configuration, accuracy_type_chooses_the_kind_that_is_bound) {
     EXPECT_DOUBLE_EQ(kzbcalcGetMagFlux(1, calc), std::sqrt(2.0 / 3.0) * 0.1);
 }
 
-TEST(Configuration, accuracy_and_skew_are_for_the_rotary_machine) {
-    Linear file;
-    Calculator calc(file);
-    for (const int type : {0, 1, 2, 3, -1}) {
-        EXPECT_EQ(kzbcalcSetAccuracyType(type, calc), 180039);
-    }
-    EXPECT_EQ(kzbcalcSetSkewParameter(0, 0, 0.0, 0.0, 0, 0, calc), 180039);
-}
-
 TEST(Configuration, skew_is_applied_when_the_data_are_set) {
     // What the store's own transform makes of "d_flux" is what the model then uses.
     Rotary file;
@@ -410,173 +203,82 @@ TEST(Configuration, skew_is_applied_when_the_data_are_set) {
     EXPECT_DOUBLE_EQ(kzbcalcGetMagFlux(1, calc), std::sqrt(2.0 / 3.0) * skewed);
 }
 
-TEST(Configuration, connection_types_are_zero_and_one) {
-    Rotary rotary;
-    Linear linear;
-    for (ModelFile* const file : {static_cast<ModelFile*>(&rotary), static_cast<ModelFile*>(&linear)}) {
-        Calculator calc(*file);
-        EXPECT_EQ(kzbcalcSetConnectionType(0, calc), 0);
-        EXPECT_EQ(kzbcalcSetConnectionType(1, calc), 0);
-        for (const int type : {-1, 2, 100, -2147483647 - 1}) {
-            EXPECT_EQ(kzbcalcSetConnectionType(type, calc), 180048);
-        }
-    }
+// ---- before and after kzbcalcSetData
+
+// Magnet flux of phase u, in parts of sqrt(2/3) d_flux.
+double magnet_flux_ratio(KZB_CALC* calc) {
+    kzbcalcExecute(calc);
+    return kzbcalcGetMagFlux(1, calc) / (std::sqrt(2.0 / 3.0) * 0.1);
 }
 
-// ---- losses
-
-struct LossFile : Rotary {
-    explicit LossFile(double loss) {
-        const Point rpm{0.0, 1e6}, volts{0.0, 1000.0}, hertz{0.0, 1e5};
-        table("loss_table", "iron_loss", {currents, betas, rpm, volts, hertz}, constant(loss));
-    }
-};
-
-TEST(Configuration, iron_loss_needs_loss_data) {
-    Rotary without;
-    Calculator calc(without);
-    EXPECT_EQ(kzbcalcCheckIronloss(calc), 0);
-    EXPECT_EQ(kzbcalcSetIronlossCalc(calc), 180040);
-    for (const char* const category : {"hysloss", "eddyloss"}) {
-        Rotary with;
-        with.integer(category, "numMat", 0);
-        Calculator other(with);
-        EXPECT_EQ(kzbcalcCheckIronloss(other), 1);
-        EXPECT_EQ(kzbcalcSetIronlossCalc(other), 0);
-    }
-    LossFile table(1.0);
-    Calculator with_table(table);
-    EXPECT_EQ(kzbcalcCheckIronloss(with_table), 1);
-    EXPECT_EQ(kzbcalcSetIronlossCalc(with_table), 0);
-}
-
-TEST(Configuration, category_of_the_loss_table_alone_is_no_loss_data) {
+TEST(Configuration, what_binding_reads_waits_for_the_next_binding) {
     Rotary file;
-    file.integer("loss_table", "other", 1);
     Calculator calc(file);
-    EXPECT_EQ(kzbcalcCheckIronloss(calc), 0);
-    EXPECT_EQ(kzbcalcSetIronlossCalc(calc), 180040);
-}
-
-TEST(Configuration, loss_calls_are_refused_for_the_linear_machine) {
-    Linear file;
-    file.integer("hysloss", "numMat", 0);
-    Calculator calc(file);
-    EXPECT_EQ(kzbcalcCheckIronloss(calc), 180039);
-    EXPECT_EQ(kzbcalcSetIronlossCalc(calc), 180039);
-    EXPECT_EQ(kzbcalcCheckUserCopperloss(calc), 180039);
-    EXPECT_EQ(kzbcalcSetUserCopperlossCalc(calc), 180039);
-}
-
-TEST(Configuration, iron_loss_of_a_table_is_reported_whole) {
-    // Voltage driven at rest: the loss is reported, without speed it takes no torque.
-    LossFile file(100.0);
-    Calculator calc(file);
-    ASSERT_EQ(kzbcalcSetIronlossCalc(calc), 0);
+    kzbcalcSetData(calc);
+    EXPECT_EQ(kzbcalcSetResistance(3.0, calc), 0);
+    EXPECT_EQ(kzbcalcSetSkewParameter(3, 0, 10.0, 0.0, 2, 0, calc), 0);
+    kzbcalcExecute(calc);
+    EXPECT_EQ(kzbcalcGetResistance(calc), 0.5);
+    EXPECT_NEAR(magnet_flux_ratio(calc), 1.0, 1e-15);
     kzbcalcSetData(calc);
     kzbcalcExecute(calc);
-    EXPECT_EQ(kzbcalcGetIronloss(calc), 100.0);
-    EXPECT_EQ(kzbcalcGetEddyloss(calc), 0.0);
-    EXPECT_EQ(kzbcalcGetHysteresisloss(calc), 0.0);
-    EXPECT_EQ(kzbcalcGetTorque(calc), 0.0);
+    EXPECT_EQ(kzbcalcGetResistance(calc), 3.0);
+    // Two steps 10 degrees apart stand 5 degrees, electrically 10, on either side: the mean is cos(10 degrees).
+    EXPECT_NEAR(magnet_flux_ratio(calc), std::cos(10.0 * rad_per_deg), 1e-12);
 }
 
-TEST(Configuration, iron_loss_of_materials_is_reported_in_two_parts) {
-    const Point rpm{0.0, 1e6};
+TEST(Configuration, corrections_act_at_once_also_after_binding) {
     Rotary file;
-    file.integer("hysloss", "numMat", 1).integer("hysloss", "matID1", 7).integer("eddyloss", "numMat", 1);
-    file.table("hysloss", "hysloss7", {rpm, betas, currents}, constant(30.0))
-        .table("eddyloss", "eddyloss7", {rpm, betas, currents}, constant(12.0));
-    Calculator calc(file);
-    ASSERT_EQ(kzbcalcSetIronlossCalc(calc), 0);
-    kzbcalcSetData(calc);
-    kzbcalcExecute(calc);
-    EXPECT_EQ(kzbcalcGetEddyloss(calc), 12.0);
-    EXPECT_EQ(kzbcalcGetHysteresisloss(calc), 30.0);
-    EXPECT_EQ(kzbcalcGetIronloss(calc), 42.0);
-}
-
-TEST(Configuration, iron_loss_is_off_without_its_call) {
-    LossFile file(100.0);
     Calculator calc(file);
     kzbcalcSetData(calc);
-    kzbcalcExecute(calc);
-    EXPECT_EQ(kzbcalcGetIronloss(calc), 0.0);
-    EXPECT_EQ(kzbcalcSetDCVoltage(300.0, calc), 180064);
+    EXPECT_NEAR(magnet_flux_ratio(calc), 1.0, 1e-15);
+    kzbcalcSetCorrectionOfFlux(3.0, calc);
+    EXPECT_NEAR(magnet_flux_ratio(calc), 3.0, 1e-14);
 }
 
-TEST(Configuration, supply_can_be_set_while_iron_loss_is_on) {
-    // The loss table is V + f: 300 + 4000.
-    LossFile file(0.0);
-    const Point rpm{0.0, 1e6}, volts{0.0, 1000.0}, hertz{0.0, 1e5};
-    file.table("loss_table", "iron_loss", {currents, betas, rpm, volts, hertz},
-               [](const Point& x) { return x[3] + x[4]; });
+TEST(Configuration, turns_become_a_ratio_by_binding_alone) {
+    // Binding divides the turns by the file's 35; a number that comes later is a ratio as it stands.
+    Rotary file;
+    file.number("control", "turns_in_coil", 35.0);
     Calculator calc(file);
-    ASSERT_EQ(kzbcalcSetIronlossCalc(calc), 0);
-    EXPECT_EQ(kzbcalcSetDCVoltage(300.0, calc), 180064);  // not yet bound
+    kzbcalcSetCorrectionOfCoilTurn1(70.0, calc);
     kzbcalcSetData(calc);
-    EXPECT_EQ(kzbcalcSetDCVoltage(300.0, calc), 0);
-    EXPECT_EQ(kzbcalcSetCarrierFrequency(4000.0, calc), 0);
-    kzbcalcExecute(calc);
-    EXPECT_NEAR(kzbcalcGetIronloss(calc), 4300.0, 1e-9);
+    EXPECT_NEAR(magnet_flux_ratio(calc), 2.0, 1e-14);
+    kzbcalcSetCorrectionOfCoilTurn1(5.0, calc);
+    EXPECT_NEAR(magnet_flux_ratio(calc), 5.0, 1e-14);
+    kzbcalcSetCorrectionOfCoilTurn1(0.0, calc);
+    EXPECT_EQ(magnet_flux_ratio(calc), 0.0);
 }
 
-TEST(Configuration, environment_chooses_the_older_iron_loss) {
-    // The older formula does not know the loss table, so that table alone switches nothing on.
-    LossFile file(100.0);
-    for (const char* const value : {"1", "0", "2", "", "x"}) {
-        SCOPED_TRACE(value);
-        ASSERT_EQ(::setenv("DORN_KZ_USE_OLD_IRONLOSS", value, 1), 0);
-        Calculator calc(file);
-        EXPECT_EQ(kzbcalcSetIronlossCalc(calc), 0);
-        ::unsetenv("DORN_KZ_USE_OLD_IRONLOSS");
+TEST(Configuration, file_without_turns_has_the_ratio_one_whatever_was_set) {
+    Rotary file;
+    Calculator calc(file);
+    kzbcalcSetCorrectionOfCoilTurn1(70.0, calc);
+    kzbcalcSetData(calc);
+    EXPECT_NEAR(magnet_flux_ratio(calc), 1.0, 1e-15);
+}
+
+TEST(Configuration, connection_after_binding_changes_what_is_reported_alone) {
+    // The axis inductances of a delta count a third; the windings stay the star that binding built, whose currents
+    // at balanced voltages are those of a star.
+    Rotary file;
+    Calculator star(file);
+    Calculator late(file);
+    for (KZB_CALC* const calc : {static_cast<KZB_CALC*>(star), static_cast<KZB_CALC*>(late)}) {
         kzbcalcSetData(calc);
-        const bool old = std::string(value) == "1";
-        EXPECT_EQ(kzbcalcSetDCVoltage(300.0, calc), old ? 180064 : 0);
-        kzbcalcExecute(calc);
-        EXPECT_EQ(kzbcalcGetIronloss(calc), old ? 0.0 : 100.0);
     }
-}
-
-struct CopperFile : Rotary {
-    CopperFile() {
-        const Point rpm{0.0, 1e6}, volts{0.0, 1000.0}, hertz{0.0, 1e5};
-        table("equivalent_resistance_table", "copper_loss", {currents, betas, rpm, volts, hertz}, constant(0.25));
-    }
-};
-
-TEST(Configuration, user_copper_loss_needs_its_table) {
-    Rotary without;
-    Calculator calc(without);
-    EXPECT_EQ(kzbcalcCheckUserCopperloss(calc), 0);
-    EXPECT_EQ(kzbcalcSetUserCopperlossCalc(calc), 180065);
-    CopperFile with;
-    Calculator other(with);
-    EXPECT_EQ(kzbcalcCheckUserCopperloss(other), 1);
-    EXPECT_EQ(kzbcalcSetUserCopperlossCalc(other), 0);
-}
-
-TEST(Configuration, user_copper_loss_adds_to_the_resistance) {
-    // 0.25 Ohm at an accepted amplitude of 4 A: 0.25 * 3 * 16 * 0.5 = 6 W; resistance 0.5 + 0.25.
-    CopperFile file;
-    for (const bool on : {true, false}) {
-        Calculator calc(file, 2);
-        if (on) {
-            ASSERT_EQ(kzbcalcSetUserCopperlossCalc(calc), 0);
-        }
-        kzbcalcSetData(calc);
-        EXPECT_EQ(kzbcalcSetDCVoltage(300.0, calc), on ? 0 : 180064);
-        EXPECT_EQ(kzbcalcSetCarrierFrequency(300.0, calc), on ? 0 : 180064);
-        for (int sample = 0; sample < 3; ++sample) {  // the first one keeps no amplitude
-            kzbcalcSetCurrent(1, 4.0, calc);
-            kzbcalcSetCurrent(2, -2.0, calc);
-            kzbcalcSetCurrent(3, -2.0, calc);
-            kzbcalcGetTorque(calc);
+    ASSERT_EQ(kzbcalcSetConnectionType(1, late), 0);
+    for (KZB_CALC* const calc : {static_cast<KZB_CALC*>(star), static_cast<KZB_CALC*>(late)}) {
+        for (int k = 0; k < 4; ++k) {
+            kzbcalcSetTime(1e-4 * k, calc);
+            kzbcalcSetVoltage(1, 10.0, calc);
+            kzbcalcExecute(calc);
             kzbcalcUpdate(calc);
         }
-        EXPECT_NEAR(kzbcalcGetUserCopperLoss(calc), on ? 6.0 : 0.0, 1e-12);
-        EXPECT_NEAR(kzbcalcGetResistance(calc), on ? 0.75 : 0.5, 1e-15);
     }
+    EXPECT_NE(kzbcalcGetCurrent(1, star), 0.0);
+    EXPECT_EQ(kzbcalcGetCurrent(1, late), kzbcalcGetCurrent(1, star));
+    EXPECT_EQ(kzbcalcGetDAxisInductance(late), kzbcalcGetDAxisInductance(star) * 0.3333333333333333);
 }
 
 TEST(Configuration, user_specified_parameters_are_counted_and_read) {

@@ -77,11 +77,14 @@ TEST(Lifecycle, null_out_is_refused) {
     EXPECT_EQ(kzbcalcInitialize("file.kzb", 1, nullptr), 180039);
 }
 
-TEST(Lifecycle, file_that_is_no_model_is_unreadable) {
+// Without a head and without a section it reads as an empty file of the older layout, which tells no motor type.
+TEST(Lifecycle, file_that_is_no_model_has_no_motor_type) {
     const auto path = std::filesystem::temp_directory_path() / ("kzb_no_model_" + std::to_string(::getpid()));
     std::ofstream(path) << "this is not a model\n";
-    EXPECT_EQ(Calculator(path.string()).status, 180002);
+    EXPECT_EQ(Calculator(path.string()).status, 180001);
     std::ofstream(path, std::ios::trunc).close();
+    EXPECT_EQ(Calculator(path.string()).status, 180001);
+    std::ofstream(path) << "*parameter\nbut no count";
     EXPECT_EQ(Calculator(path.string()).status, 180002);
     std::filesystem::remove(path);
 }

@@ -34,71 +34,32 @@ void sample(KZB_CALC* calc, double time, double displacement, double u, double v
     kzbcalcExecute(calc);
 }
 
-TEST(SteppingCalls, phases_run_from_one_to_three) {
-    Rotary rotary;
-    Linear linear;
-    for (ModelFile* const file : {static_cast<ModelFile*>(&rotary), static_cast<ModelFile*>(&linear)}) {
-        Calculator calc(*file);
-        kzbcalcSetData(calc);
-        for (const int phase : {1, 2, 3}) {
-            EXPECT_EQ(kzbcalcSetVoltage(phase, 1.0, calc), 0);
-            EXPECT_EQ(kzbcalcSetCurrent(phase, 1.0, calc), 0);
-            EXPECT_EQ(kzbcalcSetSignal(phase, 1, calc), 0);
-            EXPECT_EQ(kzbcalcSetInitialCurrent(phase, 0.0, calc), 0);
-            EXPECT_EQ(kzbcalcGetCurrent(phase, calc), 0.0);
-            EXPECT_EQ(kzbcalcGetVoltage(phase, calc), 0.0);
-            EXPECT_EQ(kzbcalcGetInducedVoltage(phase, calc), 0.0);
-        }
-        for (const int phase : {0, 4, -1, 2147483647, -2147483647 - 1}) {
-            EXPECT_EQ(kzbcalcSetVoltage(phase, 1.0, calc), 180031);
-            EXPECT_EQ(kzbcalcSetCurrent(phase, 1.0, calc), 180031);
-            EXPECT_EQ(kzbcalcSetSignal(phase, 1, calc), 180031);
-            EXPECT_EQ(kzbcalcSetInitialCurrent(phase, 0.0, calc), 180031);
-            EXPECT_EQ(kzbcalcGetCurrent(phase, calc), 180031.0);
-            EXPECT_EQ(kzbcalcGetVoltage(phase, calc), 180031.0);
-            EXPECT_EQ(kzbcalcGetInducedVoltage(phase, calc), 180031.0);
-            EXPECT_EQ(kzbcalcGetInductance(phase, 1, calc), 180031.0);
-            EXPECT_EQ(kzbcalcGetInductance(1, phase, calc), 180031.0);
-            EXPECT_EQ(kzbcalcGetMagFlux(phase, calc), 180042.0);
-        }
-    }
-}
-
-TEST(SteppingCalls, rotary_machine_has_torque_and_no_force) {
+TEST(SteppingCalls, rotary_machine_at_rest_has_zero_results) {
     Rotary file;
     Calculator calc(file);
     kzbcalcSetData(calc);
+    for (const int phase : {1, 2, 3}) {
+        EXPECT_EQ(kzbcalcGetCurrent(phase, calc), 0.0);
+        EXPECT_EQ(kzbcalcGetVoltage(phase, calc), 0.0);
+        EXPECT_EQ(kzbcalcGetInducedVoltage(phase, calc), 0.0);
+    }
     EXPECT_EQ(kzbcalcGetTorque(calc), 0.0);
-    EXPECT_EQ(kzbcalcGetForce(calc), 180035.0);
-    EXPECT_EQ(kzbcalcGetCoilFlux(0, calc), 180031.0);
-    EXPECT_EQ(kzbcalcGetCoilFlux(4, calc), 180031.0);
-    EXPECT_EQ(kzbcalcGetNumberOfUserSpecifiedParameters(calc), 0);
-    EXPECT_EQ(kzbcalcGetUserSpecifiedParameter(1, calc), 180062.0);
-    EXPECT_EQ(kzbcalcGetUserSpecifiedParameter(0, calc), 180062.0);
-    EXPECT_EQ(kzbcalcGetUserSpecifiedParameter(-1, calc), 180062.0);
+    for (const int index : {1, 0, -1}) {
+        EXPECT_EQ(kzbcalcGetUserSpecifiedParameter(index, calc), 180062.0);
+    }
     EXPECT_EQ(kzbcalcGetEddyloss(calc), 0.0);
     EXPECT_EQ(kzbcalcGetHysteresisloss(calc), 0.0);
     EXPECT_EQ(kzbcalcGetIronloss(calc), 0.0);
     EXPECT_EQ(kzbcalcGetUserCopperLoss(calc), 0.0);
 }
 
-TEST(SteppingCalls, linear_machine_has_force_and_no_torque) {
+TEST(SteppingCalls, force_of_the_linear_machine_is_the_drive_not_the_attraction) {
     Linear file;
     for (const int mode : {1, 2}) {
         Calculator calc(file, mode);
-        ASSERT_EQ(calc.status, 0);
         kzbcalcSetData(calc);
-        EXPECT_EQ(kzbcalcGetTorque(calc), 180034.0);
-        EXPECT_EQ(kzbcalcGetForce(calc), 12.0);  // "distance_force"/"force", not the attraction
-        EXPECT_EQ(kzbcalcGetCoilFlux(1, calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetDAxisInductance(calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetQAxisInductance(calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetEddyloss(calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetHysteresisloss(calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetIronloss(calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetUserCopperLoss(calc), 180039.0);
+        EXPECT_EQ(kzbcalcGetForce(calc), 12.0);  // "distance_force"/"force"; the attraction is 34
         EXPECT_EQ(kzbcalcGetUserSpecifiedParameter(1, calc), 180039.0);
-        EXPECT_EQ(kzbcalcGetNumberOfUserSpecifiedParameters(calc), 180039);
     }
 }
 

@@ -4,17 +4,14 @@
 #include <cstdlib>
 #include <new>
 
+#include "heap_count.h"
 #include "pmsm_files.h"
 
-namespace {
-
-std::size_t allocations = 0;
-
-}  // namespace
+std::size_t kzb_test::allocations = 0;
 
 // Counts what the program takes from the heap. Never inlined: the compiler then sees the pair as a whole.
 [[gnu::noinline]] void* operator new(std::size_t size) {
-    ++allocations;
+    ++kzb_test::allocations;
     if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
         return memory;
     }

@@ -20,6 +20,7 @@ namespace kzb::tool {
 enum ExitCode {
     exit_done = 0,
     exit_run_failed = 1,  // the work itself failed
+    exit_findings = 1,    // the work was to find faults, and there are some
     exit_usage = 2,       // the command line is wrong
     exit_file = 3         // a file cannot be read, or what it holds is not valid
 };
@@ -33,6 +34,7 @@ class Failure : public std::runtime_error {
 
 struct Context {
     std::function<void()> action;
+    ExitCode exit_code = exit_done;  // of an action that returns
 
     // Results go here, never to std::cout or printf: the library prints on standard output, so the process keeps the
     // caller's stdout aside and file descriptor 1 leads to stderr from the first line of main on.
@@ -47,5 +49,11 @@ void add_convert(CLI::App& app, Context& context);
 void add_plot(CLI::App& app, Context& context);
 void add_run(CLI::App& app, Context& context);
 void add_build(CLI::App& app, Context& context);
+void add_validate(CLI::App& app, Context& context);
+void add_get(CLI::App& app, Context& context);
+void add_set(CLI::App& app, Context& context);
+void add_correct(CLI::App& app, Context& context);
+void add_loss(CLI::App& app, Context& context);
+void add_transform(CLI::App& app, Context& context);
 
 }  // namespace kzb::tool

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <utility>
 
@@ -37,12 +38,28 @@ std::string content(int fd) {
     return text;
 }
 
+// perror appends ": Success" where the fault was none of the system's.
+std::string without_success(std::string line) {
+    const std::string tail = fmt::format(": {}", std::strerror(0));
+    if (line.size() > tail.size() && line.compare(line.size() - tail.size(), tail.size(), tail) == 0) {
+        line.resize(line.size() - tail.size());
+    }
+    return line;
+}
+
 // perror appends ": " and the system's error text to a text that often ends its own line first.
 bool is_perror_tail(std::string_view line) {
     return line.substr(0, 2) == ": ";
 }
 
 }  // namespace
+
+bool tells_no_loss(std::string_view line) {
+    return line.find("Encoding from UTF-8 to SJIS is not performed.") != std::string_view::npos ||
+           line.find("The table values have been already read in case of old formats files.") !=
+               std::string_view::npos ||
+           line.find("application is not found.") != std::string_view::npos;
+}
 
 LibraryNoise::LibraryNoise() {
     flush_all();
@@ -79,7 +96,7 @@ std::vector<std::string> LibraryNoise::lines() {
     std::size_t start = 0;
     while (start < text.size()) {
         const std::size_t end = std::min(text.find('\n', start), text.size());
-        const std::string line = text.substr(start, end - start);
+        const std::string line = without_success(text.substr(start, end - start));
         start = end + 1;
         if (line.empty() || is_perror_tail(line)) {
             continue;

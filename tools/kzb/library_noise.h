@@ -4,9 +4,13 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kzb::tool {
+
+// Of the library's lines those that tell of no loss.
+bool tells_no_loss(std::string_view line);
 
 class LibraryNoise {
   public:

@@ -110,6 +110,12 @@ int run_command_line(int argc, char** argv) {
     add_plot(app, context);
     add_run(app, context);
     add_build(app, context);
+    add_validate(app, context);
+    add_get(app, context);
+    add_set(app, context);
+    add_correct(app, context);
+    add_loss(app, context);
+    add_transform(app, context);
 
     const int parsed = parse(app, argc, argv, context);
     if (parsed >= 0) {
@@ -119,7 +125,7 @@ int run_command_line(int argc, char** argv) {
     if (context.results != nullptr && std::fclose(context.results) != 0) {
         throw Failure(exit_run_failed, "standard output: could not be written whole");
     }
-    return exit_done;
+    return context.exit_code;
 }
 
 }  // namespace

@@ -1,18 +1,14 @@
 #include "kzb/model_file.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <array>
 #include <cerrno>
-#include <cstring>
 
 #include "KZBCalculator/kzb_store.h"
 #include "fmt/format.h"
 #include "fmt/ranges.h"
 #include "kzb/command.h"
 #include "kzb/library_noise.h"
+#include "kzb/older_text.h"
+#include "kzb/regular_file.h"
 #include "store/messages.h"
 
 namespace kzb::tool {
@@ -23,38 +19,6 @@ constexpr std::string_view head = "$DORN-KZ";
 
 [[noreturn]] void unreadable(const std::string& path, std::string_view why) {
     throw Failure(exit_file, fmt::format("{}: {}", path.empty() ? "\"\"" : path, why));
-}
-
-// True when the file begins as a KZB file of the present layout does.
-bool check_and_look_at_head(const std::string& path) {
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        unreadable(path, fmt::format("cannot be opened ({}), expected a KZB file", std::strerror(errno)));
-    }
-    struct stat status {};
-    std::array<char, head.size()> start{};
-    const bool regular = fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
-    const bool directory = S_ISDIR(status.st_mode);
-    const ssize_t count = regular ? read(fd, start.data(), start.size()) : 0;
-    close(fd);
-    if (!regular) {
-        unreadable(path, directory ? "is a directory, expected a KZB file" : "is no regular file, expected a KZB file");
-    }
-    return count == static_cast<ssize_t>(start.size()) && std::string_view(start.data(), start.size()) == head;
-}
-
-// Of the library's lines those that tell of no loss.
-bool harmless(std::string_view line) {
-    return line.find("Encoding from UTF-8 to SJIS is not performed.") != std::string_view::npos ||
-           line.find("The table values have been already read in case of old formats files.") != std::string_view::npos;
-}
-
-std::string without_success(std::string line) {
-    const std::string tail = fmt::format(": {}", std::strerror(0));
-    if (line.size() > tail.size() && line.compare(line.size() - tail.size(), tail.size(), tail) == 0) {
-        line.resize(line.size() - tail.size());
-    }
-    return line;
 }
 
 void find_unread_tables(const KZB_STORE& store, std::vector<std::string>& damage) {
@@ -103,7 +67,7 @@ std::string_view motor_name(int motor_type) {
 
 ModelFile read_model(const std::string& path) {
     ModelFile model;
-    model.has_head = check_and_look_at_head(path);
+    model.has_head = start_of_regular_file(path, head.size(), "a KZB file") == head;
     KZB_STORE* store = nullptr;
     kzb_initialize(&store);
     model.store.reset(store);
@@ -111,6 +75,7 @@ ModelFile read_model(const std::string& path) {
         throw Failure(exit_run_failed, "not enough memory");
     }
 
+    const OlderText form(path);
     LibraryNoise noise;
     errno = 0;
     const int failed = kzb_reader(path.c_str(), store);
@@ -120,22 +85,23 @@ ModelFile read_model(const std::string& path) {
     }
     const int error = kzb_has_error(store);
     std::vector<std::string> said = noise.lines();
-    for (std::string& line : said) {
-        line = without_success(line);
-    }
+    // Of a file of the older layout this is true and nothing to warn of.
+    std::erase_if(said, [](const std::string& line) { return line.find("old formats files") != std::string::npos; });
 
     if (failed != 0) {
         const std::string cause = reading_error != 0 ? error_text(reading_error)
                                   : said.empty()     ? "it is broken or ends too early"
                                                      : fmt::format("{}", fmt::join(said, "; "));
-        const std::string_view expected = model.has_head ? "a whole file of a known form" : "\"$DORN-KZ\" at its start";
+        const std::string_view expected = model.has_head
+                                              ? "a whole file of a known form"
+                                              : "\"$DORN-KZ\" at its start or a whole file of the older layout";
         unreadable(path, fmt::format("not a readable KZB file: {}, expected {}", cause, expected));
     }
     if (!model.has_head && !kzb_has_category("control", store)) {
         unreadable(path, "not a KZB file: expected \"$DORN-KZ\" at its start, or the sections of the older layout");
     }
     for (std::string& line : said) {
-        (harmless(line) ? model.notes : model.damage).push_back(std::move(line));
+        (tells_no_loss(line) ? model.notes : model.damage).push_back(std::move(line));
     }
     if (error != 0) {
         model.damage.push_back(error_text(error));

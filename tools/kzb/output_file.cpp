@@ -190,4 +190,13 @@ void OutputFile::commit() {
     }
 }
 
+void refuse_same_file(const std::string& output, const std::string& other, std::string_view what) {
+    std::error_code ignored;
+    const bool same = fs::path(output).lexically_normal() == fs::path(other).lexically_normal() ||
+                      fs::equivalent(output, other, ignored);
+    if (same) {
+        throw Failure(exit_usage, fmt::format("--out {}: is {} itself, expected another file", output, what));
+    }
+}
+
 }  // namespace kzb::tool

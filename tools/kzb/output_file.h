@@ -34,4 +34,7 @@ class OutputFile {
     int fd_ = -1;
 };
 
+// Failure(exit_usage) when `output` names the file `other`, which is `what` ("the scenario").
+void refuse_same_file(const std::string& output, const std::string& other, std::string_view what);
+
 }  // namespace kzb::tool

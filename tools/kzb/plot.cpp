@@ -6,6 +6,7 @@
 #include "fmt/format.h"
 #include "kzb/command.h"
 #include "kzb/console.h"
+#include "kzb/entry_name.h"
 #include "kzb/gnuplot.h"
 #include "kzb/model_file.h"
 #include "kzb/table_view.h"
@@ -28,13 +29,12 @@ struct Options {
 constexpr int width = 1000;
 constexpr int height = 700;
 
-// "category/key"; both may hold a slash themselves, so every one of them is tried as the border.
 const KZB_TABLE& table_named(const KZB_STORE& store, const Options& options) {
     const std::string& name = options.table;
-    for (std::size_t slash = name.find('/'); slash != std::string::npos; slash = name.find('/', slash + 1)) {
-        if (const KZB_TABLE* table = find_table(store, name.substr(0, slash), name.substr(slash + 1))) {
-            return *table;
-        }
+    const std::optional<EntryName> found = find_entry(
+        name, [&store](const EntryName& entry) { return find_table(store, entry.category, entry.key) != nullptr; });
+    if (found) {
+        return *find_table(store, found->category, found->key);
     }
     if (name.find('/') == std::string::npos) {
         throw Failure(exit_usage, fmt::format("{}: no table name, expected CATEGORY/KEY", printable_line(name)));

@@ -1,6 +1,5 @@
 // kzb run: steps the machine of a KZB file through a scenario and writes what it did as CSV, plot and summary.
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -177,29 +176,20 @@ Machine machine_in(const std::string& file) {
 }
 
 // The rows may not take the place of what the run reads or draws.
-void refuse_same_file(const Options& options) {
+void refuse_same_files(const Options& options) {
     if (options.out.empty() || options.csv_on_stdout()) {
         return;
     }
-    namespace fs = std::filesystem;
-    std::error_code ignored;
-    const auto compare = [&](const std::string& other, std::string_view what) {
-        const bool same = fs::path(options.out).lexically_normal() == fs::path(other).lexically_normal() ||
-                          fs::equivalent(options.out, other, ignored);
-        if (same) {
-            throw Failure(exit_usage, fmt::format("--out {}: is {} itself, expected another file", options.out, what));
-        }
-    };
-    compare(options.file, "the KZB file");
-    compare(options.scenario, "the scenario");
-    compare(options.plot, "the plot");
+    refuse_same_file(options.out, options.file, "the KZB file");
+    refuse_same_file(options.out, options.scenario, "the scenario");
+    refuse_same_file(options.out, options.plot, "the plot");
 }
 
 void run(const Options& options, const Context& context) {
     if (options.csv_on_stdout() && options.json) {
         throw Failure(exit_usage, "--out - and --json both write on stdout, expected one of them");
     }
-    refuse_same_file(options);
+    refuse_same_files(options);
     if (!options.plot.empty()) {
         image_form_of(options.plot);
         require_gnuplot();

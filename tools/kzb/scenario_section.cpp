@@ -113,7 +113,7 @@ std::optional<std::string> Section::text(std::string_view key) {
     return value->value<std::string>();
 }
 
-std::optional<std::size_t> Section::choice(std::string_view key, std::initializer_list<std::string_view> words) {
+std::optional<std::size_t> Section::choice(std::string_view key, std::span<const std::string_view> words) {
     const toml::node* value = node(key);
     if (value == nullptr) {
         return std::nullopt;
@@ -146,6 +146,20 @@ const toml::array* Section::array(std::string_view key) {
         fail(key, "expected an array, [ ... ]");
     }
     return value->as_array();
+}
+
+std::vector<double> Section::numbers(std::string_view key) {
+    std::vector<double> result;
+    const toml::array* values = array(key);
+    for (std::size_t i = 0; values != nullptr && i < values->size(); ++i) {
+        const toml::node& entry = (*values)[i];
+        const std::optional<double> number = entry.is_number() ? entry.value<double>() : std::nullopt;
+        if (!number || !std::isfinite(*number)) {
+            fail(key, "expected finite numbers, [1.0, 2.0]");
+        }
+        result.push_back(*number);
+    }
+    return result;
 }
 
 std::vector<std::string> Section::keys() const {

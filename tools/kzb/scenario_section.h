@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,9 +29,14 @@ class Section {
     std::optional<int> integer(std::string_view key, int least);
     std::optional<bool> flag(std::string_view key);
     std::optional<std::string> text(std::string_view key);
-    std::optional<std::size_t> choice(std::string_view key, std::initializer_list<std::string_view> words);
+    std::optional<std::size_t> choice(std::string_view key, std::initializer_list<std::string_view> words) {
+        return choice(key, std::span<const std::string_view>(words.begin(), words.size()));
+    }
+    std::optional<std::size_t> choice(std::string_view key, std::span<const std::string_view> words);
     std::optional<Section> section(std::string_view key);
     const toml::array* array(std::string_view key);
+    // An array of finite numbers; empty when the key is absent.
+    std::vector<double> numbers(std::string_view key);
     // The bare value, for a key that takes more than one type.
     const toml::node* node(std::string_view key);
 

@@ -1,6 +1,10 @@
 #include "kzb/scenario_settings.h"
 
+#include <algorithm>
+
 #include "fmt/format.h"
+#include "kzb/scenario_options.h"
+#include "kzb/skew_words.h"
 
 namespace kzb::tool {
 
@@ -8,101 +12,92 @@ namespace {
 
 using Calls = std::vector<ModelCall>;
 
-// A key whose number goes to one setter. The setter judges the number: its status is the answer.
-struct NumberSetter {
-    const char* key;
-    const char* call_name;
-    int (*call)(double, KZB_CALC*);
-};
+// Reads one option into calls, by its kind.
+struct OptionReader {
+    Section& section;
+    const ScenarioOption& option;
+    std::string key;  // as the scenario spells it
+    std::string place_of_section;
+    const Machine& machine;
+    Calls& calls;
 
-#define KZB_SETTER(name) #name, name
-constexpr NumberSetter model_numbers[] = {
-    {"resistance", KZB_SETTER(kzbcalcSetResistance)},
-};
-constexpr NumberSetter corrections[] = {
-    {"flux", KZB_SETTER(kzbcalcSetCorrectionOfFlux)},
-    {"magnet", KZB_SETTER(kzbcalcSetCorrectionOfMagnet)},
-    {"steel", KZB_SETTER(kzbcalcSetCorrectionOfSteel)},
-    {"inductance", KZB_SETTER(kzbcalcSetCorrectionOfInductance)},
-    {"torque", KZB_SETTER(kzbcalcSetCorrectionOfTorque)},
-    {"force", KZB_SETTER(kzbcalcSetCorrectionOfForce)},
-    {"coil_turns_1", KZB_SETTER(kzbcalcSetCorrectionOfCoilTurn1)},
-    {"coil_turns_2", KZB_SETTER(kzbcalcSetCorrectionOfCoilTurn2)},
-};
-constexpr NumberSetter temperatures[] = {
-    {"magnet", KZB_SETTER(kzbcalcSetMagnetTemperature)},
-    {"magnet_base", KZB_SETTER(kzbcalcSetMagnetBaseTemperature)},
-    {"magnet_coefficient", KZB_SETTER(kzbcalcSetMagFluxTemperatureCorrectionCoefficient)},
-    {"coil", KZB_SETTER(kzbcalcSetCoilTemperature)},
-    {"coil_base", KZB_SETTER(kzbcalcSetCoilBaseTemperature)},
-    {"coil_coefficient", KZB_SETTER(kzbcalcSetCoilTemperatureCorrectionCoefficient)},
-};
-constexpr NumberSetter losses_before_data[] = {
-    {"pwm_frequency", KZB_SETTER(kzbcalcSetPWMFreq)},
-};
-// These ask whether the model computes losses, which it knows once it has its data.
-constexpr NumberSetter losses_after_data[] = {
-    {"dc_voltage", KZB_SETTER(kzbcalcSetDCVoltage)},
-    {"carrier_frequency", KZB_SETTER(kzbcalcSetCarrierFrequency)},
-};
-constexpr NumberSetter initial_time[] = {
-    {"time", KZB_SETTER(kzbcalcSetInitialTime)},
-};
-
-template <std::size_t count>
-void read_numbers(Section& section, const NumberSetter (&setters)[count], Calls& calls) {
-    for (const NumberSetter& setter : setters) {
-        if (const std::optional<double> value = section.number(setter.key)) {
-            calls.push_back({setter.call_name, section.place(setter.key),
-                             [call = setter.call, v = *value](KZB_CALC* handle) { return call(v, handle); }});
+    void add(const std::string& place, std::function<int(KZB_CALC*)> call) const {
+        calls.push_back({option.call_name, place, std::move(call)});
+    }
+    void operator()(const NumberCall& number) const {
+        if (const std::optional<double> value = section.number(key)) {
+            add(section.place(key), [call = number.call, v = *value](KZB_CALC* handle) { return call(v, handle); });
         }
     }
+    void operator()(const SwitchCall& to_switch) const {
+        const std::optional<bool> on = section.flag(key);
+        if (on.value_or(to_switch.when_absent)) {
+            add(on ? section.place(key) : place_of_section, to_switch.call);
+        }
+    }
+    void operator()(const IntegerCall& integer) const {
+        if (const std::optional<int> value = section.integer(key, 0)) {
+            add(section.place(key), [call = integer.call, v = *value](KZB_CALC* handle) { return call(v, handle); });
+        }
+    }
+    void operator()(const WordCall& word) const {
+        if (const std::optional<std::size_t> at = section.choice(key, word.words)) {
+            add(section.place(key),
+                [call = word.call, v = static_cast<int>(*at)](KZB_CALC* handle) { return call(v, handle); });
+        }
+    }
+    void operator()(const PhaseCall& phases) const {
+        std::optional<Section> inner = section.section(key);
+        if (!inner) {
+            return;
+        }
+        for (const std::string& name : machine.phases) {
+            if (const std::optional<double> value = inner->number(name)) {
+                add_indexed(inner->place(name), phases.call, *machine.phase(name), *value);
+            }
+        }
+        inner->end();
+    }
+    void operator()(const ListCall& list) const {
+        const std::vector<double> values = section.numbers(key);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            add_indexed(fmt::format("{}[{}]", section.place(key), i + 1), list.call, static_cast<int>(i) + 1,
+                        values[i]);
+        }
+    }
+    void add_indexed(const std::string& place, int (*call)(int, double, KZB_CALC*), int index, double value) const {
+        add(place, [=](KZB_CALC* handle) { return call(index, value, handle); });
+    }
+};
+
+// The key with its unit, or without it; both name the same quantity.
+std::string spelling_of(Section& section, const ScenarioOption& option) {
+    if (option.plain_key == nullptr || !section.has(option.plain_key)) {
+        return option.key;
+    }
+    if (section.has(option.key)) {
+        section.fail(option.plain_key, fmt::format("given as {} too, expected one of the two", option.key));
+    }
+    return option.plain_key;
 }
 
-void add_choice(const Section& section, const char* key, const char* call_name, int (*call)(int, KZB_CALC*), int value,
-                Calls& calls) {
-    calls.push_back({call_name, section.place(key), [call, value](KZB_CALC* handle) { return call(value, handle); }});
-}
-
-void add_switch(Section& section, const char* key, const char* call_name, int (*call)(KZB_CALC*), Calls& calls) {
-    if (section.flag(key).value_or(false)) {
-        calls.push_back({call_name, section.place(key), [call](KZB_CALC* handle) { return call(handle); }});
-    }
-}
-
-void read_model(Section& root, Calls& calls) {
-    std::optional<Section> model = root.section("model");
-    if (!model) {
-        return;
-    }
-    if (const auto type = model->choice("interpolation", {"linear", "cubic", "spline4", "spline6", "spline"})) {
-        add_choice(*model, "interpolation", KZB_SETTER(kzbcalcSetInterpolationType), static_cast<int>(*type), calls);
-    }
-    if (const auto accuracy = model->integer("accuracy", 0)) {
-        add_choice(*model, "accuracy", KZB_SETTER(kzbcalcSetAccuracyType), *accuracy, calls);
-    }
-    if (const auto connection = model->choice("connection", {"star", "delta"})) {
-        add_choice(*model, "connection", KZB_SETTER(kzbcalcSetConnectionType), static_cast<int>(*connection), calls);
-    }
-    read_numbers(*model, model_numbers, calls);
-    model->end();
-}
-
-void read_temperature(Section& root, Calls& calls) {
-    std::optional<Section> section = root.section("temperature");
+void read_section(Section& root, const char* name, const Machine& machine, Scenario& scenario) {
+    std::optional<Section> section = root.section(name);
     if (!section) {
         return;
     }
-    if (section->flag("correction").value_or(true)) {
-        calls.push_back({"kzbcalcSetTemperatureCorrectionCalc", root.place("temperature"),
-                         [](KZB_CALC* handle) { return kzbcalcSetTemperatureCorrectionCalc(handle); }});
+    for (const ScenarioOption& option : scenario_options()) {
+        if (option.section == std::string_view(name) && option.suits(machine)) {
+            Calls& calls = option.stage == Stage::before_data ? scenario.before_data : scenario.after_data;
+            std::visit(OptionReader{*section, option, spelling_of(*section, option), root.place(name), machine, calls},
+                       option.call);
+        }
     }
-    read_numbers(*section, temperatures, calls);
     section->end();
 }
 
 struct SkewSide {
-    int type = 0;
+    int type = skew_none;
     double angle_deg = 0.0;
     int steps = 0;
 };
@@ -113,18 +108,18 @@ SkewSide read_skew_side(Section& skew, const char* key) {
     if (!section) {
         return side;
     }
-    constexpr int type_of_word[] = {0, 1, 3};
-    side.type = type_of_word[section->required("type", section->choice("type", {"none", "continuous", "stepped"}))];
-    if (side.type != 0) {
+    side.type = skew_types[section->required("type", section->choice("type", skew_words))];
+    if (side.type != skew_none) {
         side.angle_deg = section->required("angle_deg", section->number("angle_deg"));
     }
-    if (side.type == 3) {
+    if (side.type == skew_stepped) {
         side.steps = section->required("steps", section->integer("steps", 2));
     }
     section->end();
     return side;
 }
 
+// Six numbers of two sides that go to one call, and so no row of the table.
 void read_skew(Section& root, Calls& calls) {
     std::optional<Section> skew = root.section("skew");
     if (!skew) {
@@ -139,55 +134,17 @@ void read_skew(Section& root, Calls& calls) {
                      }});
 }
 
-void read_losses(Section& root, Calls& before, Calls& after) {
-    std::optional<Section> losses = root.section("losses");
-    if (!losses) {
-        return;
-    }
-    add_switch(*losses, "iron", KZB_SETTER(kzbcalcSetIronlossCalc), before);
-    add_switch(*losses, "user_copper", KZB_SETTER(kzbcalcSetUserCopperlossCalc), before);
-    read_numbers(*losses, losses_before_data, before);
-    read_numbers(*losses, losses_after_data, after);
-    losses->end();
-}
-
-void read_initial(Section& root, const Machine& machine, Calls& calls) {
-    std::optional<Section> initial = root.section("initial");
-    if (!initial) {
-        return;
-    }
-    if (std::optional<Section> current = initial->section("current")) {
-        for (const std::string& name : machine.phases) {
-            if (const std::optional<double> value = current->number(name)) {
-                calls.push_back({"kzbcalcSetInitialCurrent", current->place(name),
-                                 [phase = *machine.phase(name), v = *value](KZB_CALC* handle) {
-                                     return kzbcalcSetInitialCurrent(phase, v, handle);
-                                 }});
-            }
-        }
-        current->end();
-    }
-    const NumberSetter displacement[] = {
-        {machine.linear ? "displacement" : "displacement_deg", KZB_SETTER(kzbcalcSetInitialDisplacement)},
-    };
-    read_numbers(*initial, displacement, calls);
-    read_numbers(*initial, initial_time, calls);
-    initial->end();
-}
-#undef KZB_SETTER
-
 }  // namespace
 
 void read_settings(Section& root, const Machine& machine, Scenario& scenario) {
-    read_model(root, scenario.before_data);
-    if (std::optional<Section> section = root.section("corrections")) {
-        read_numbers(*section, corrections, scenario.before_data);
-        section->end();
+    std::vector<std::string_view> done;
+    for (const ScenarioOption& option : scenario_options()) {
+        if (std::find(done.begin(), done.end(), option.section) == done.end()) {
+            done.emplace_back(option.section);
+            read_section(root, option.section, machine, scenario);
+        }
     }
-    read_temperature(root, scenario.before_data);
     read_skew(root, scenario.before_data);
-    read_losses(root, scenario.before_data, scenario.after_data);
-    read_initial(root, machine, scenario.after_data);
 }
 
 }  // namespace kzb::tool

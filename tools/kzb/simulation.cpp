@@ -10,6 +10,7 @@
 #include "kzb/command.h"
 #include "kzb/console.h"
 #include "kzb/library_noise.h"
+#include "kzb/older_text.h"
 #include "kzb/status_text.h"
 
 namespace kzb::tool {
@@ -28,6 +29,7 @@ bool is_open(const std::vector<std::pair<double, double>>& windows, double time)
 
 Simulation::Simulation(const std::string& kzb_file, const Machine& machine, const Scenario& scenario)
     : machine_(machine), scenario_(scenario) {
+    const OlderText form(kzb_file);
     LibraryNoise noise;
     KZB_CALC* handle = nullptr;
     const int status =
@@ -39,7 +41,9 @@ Simulation::Simulation(const std::string& kzb_file, const Machine& machine, cons
                                              status_text(status), said.empty() ? "" : ": ", fmt::join(said, "; ")));
     }
     for (const std::string& line : said) {
-        warn(fmt::format("{}: {}", kzb_file, line));
+        if (line.find("old formats files") == std::string::npos) {
+            warn(fmt::format("{}: {}", kzb_file, line));
+        }
     }
 }
 

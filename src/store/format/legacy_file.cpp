@@ -4,9 +4,13 @@
 
 namespace kzb {
 
-int read_legacy_file(KZB_STORE& store, FileSource& /*source*/) {
-    store.error = 90001;
-    return 1;
+int read_legacy_file(KZB_STORE& store, FileSource& source) {
+    if (!source.is_open()) {
+        store.error = 90002;
+        return 1;
+    }
+    return store.input_type == "ascii" ? ReadCategoryParameterByAsciiModeForOldFileFormat(store, source)
+                                       : ReadCategoryParameterByBinaryModeForOldFileFormat(store, source);
 }
 
 }  // namespace kzb

@@ -4,12 +4,21 @@
 #include <memory>
 
 #include "KZBCalculator/kzbcalc.h"
+#include "interface/accessor_table.h"
 #include "interface/kzbcalc_handle.h"
 
 namespace {
 
 using kzb::MotorType;
 using kzb::Travel;
+using kzb_test::phase_results;
+using kzb_test::phase_setters;
+using kzb_test::PhaseGetter;
+using kzb_test::PhaseSetter;
+using kzb_test::temperature_calls;
+using kzb_test::TemperatureCall;
+using kzb_test::value_calls;
+using kzb_test::ValueCall;
 
 class StubModel : public kzb::Calc {
   public:
@@ -58,24 +67,50 @@ TEST(MotorTypeRows, reluctance_machines_tell_their_phases) {
     }
 }
 
-TEST(MotorTypeRows, generic_type_is_tested_before_the_value_where_it_comes_first) {
+// The generic rows of the accessor table, with a stub as the model.
+TEST(MotorTypeRows, generic_type_answers_value_calls_by_the_table) {
     StubHandle generic(generic_row);
-    for (const double value : {1.0, -1.0}) {
-        EXPECT_EQ(kzbcalcSetCorrectionOfSteel(value, &generic), 180039);
-        EXPECT_EQ(kzbcalcSetCorrectionOfTorque(value, &generic), 180039);
-        EXPECT_EQ(kzbcalcSetCorrectionOfForce(value, &generic), 180039);
-        EXPECT_EQ(kzbcalcSetInitialDisplacement(value, &generic), 180039);
+    for (const ValueCall& row : value_calls) {
+        for (const double value : row.good) {
+            EXPECT_EQ(row.set(value, &generic), row.answer_to_good(kzb_test::generic)) << row.name << " " << value;
+        }
+        for (const double value : row.bad) {
+            EXPECT_EQ(row.set(value, &generic), row.answer_to_bad(kzb_test::generic)) << row.name << " " << value;
+        }
     }
-    EXPECT_EQ(kzbcalcSetCorrectionOfFlux(-1.0, &generic), 180017);
-    EXPECT_EQ(kzbcalcSetCorrectionOfFlux(1.0, &generic), 180039);
-    EXPECT_EQ(kzbcalcSetInitialCurrent(99, 1.0, &generic), 0);
 }
 
-TEST(MotorTypeRows, coil_temperature_of_a_generic_model_is_refused_before_the_switch_is_tested) {
+TEST(MotorTypeRows, generic_type_answers_temperature_calls_by_the_table) {
     StubHandle generic(generic_row);
-    EXPECT_EQ(kzbcalcGetCoilTemperature(&generic), 180039.0);
-    EXPECT_EQ(kzbcalcGetCoilBaseTemperature(&generic), 180046.0);
-    EXPECT_EQ(kzbcalcSetCoilTemperature(300.0, &generic), 180046);
+    for (const bool on : {false, true}) {
+        if (on) {
+            EXPECT_EQ(kzbcalcSetTemperatureCorrectionCalc(&generic), 0);
+        }
+        for (const TemperatureCall& row : temperature_calls) {
+            SCOPED_TRACE(row.name);
+            EXPECT_EQ(row.set(row.good.front(), &generic), on ? 180039 : 180046);
+            EXPECT_EQ(row.set(row.bad.front(), &generic), on ? row.bad_status : 180046);
+            const bool answers = (row.answers & ~row.refused & kzb_test::generic) != 0;
+            if (on && answers) {
+                EXPECT_LT(row.get(&generic), 180000.0);  // of the base class
+            } else {
+                const bool first = (row.refused & kzb_test::generic) != 0;
+                EXPECT_EQ(row.get(&generic), on || first ? 180039.0 : 180046.0);
+            }
+        }
+    }
+}
+
+TEST(MotorTypeRows, generic_type_answers_phase_calls_by_the_table) {
+    StubHandle generic(generic_row);
+    for (const int phase : {1, 0, -1, 99}) {
+        for (const PhaseSetter& row : phase_setters) {
+            EXPECT_EQ(row.set(phase, 1.0, &generic), row.other) << row.name;
+        }
+        for (const PhaseGetter& row : phase_results) {
+            EXPECT_EQ(row.get(phase, &generic), static_cast<double>(row.other)) << row.name;
+        }
+    }
 }
 
 }  // namespace

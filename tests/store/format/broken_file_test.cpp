@@ -53,9 +53,10 @@ class BrokenFile : public ModelFile {
         std::filesystem::remove(path("out"));
         return result;
     }
+    // Too short for the mark "$DORN-KZ", it is an old file without a section.
     void survive_truncations(const std::string& bytes, std::size_t needed) {
         for (std::size_t length = 0; length < bytes.size(); ++length) {
-            EXPECT_EQ(survive(bytes.substr(0, length)), length < needed ? 1 : 0) << length;
+            EXPECT_EQ(survive(bytes.substr(0, length)), length >= 8 && length < needed ? 1 : 0) << length;
         }
         EXPECT_EQ(survive(bytes), 0);
     }

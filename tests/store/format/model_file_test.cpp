@@ -2,7 +2,8 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include "store/format/model_bytes.h"
+#include "store/format/ascii_reader.h"
+#include "store/format/legacy_bytes.h"
 
 namespace kzb::test {
 namespace {
@@ -56,14 +57,29 @@ TEST_F(ReaderChoice, environment_counts_by_its_leading_number) {
     }
 }
 
-TEST_F(ReaderChoice, ascii_by_environment_fails_at_once_on_a_first_character_of_its_own) {
-    setenv("KZB_READING_ASCII", "1", 1);
+// The reader of the ascii form itself; without the mark in front the file would be an old one.
+TEST_F(ReaderChoice, ascii_reader_fails_at_once_on_a_first_character_of_its_own) {
     for (const char* front : {"x", " ", "\n", "#", "$$", "*"}) {
         KZB_STORE store;
-        const std::string file = write(front + tiny_ascii);
-        EXPECT_EQ(captured([&] { return read_model_file(store, file.c_str()); }), 1) << front;
+        FileSource source(write(front + tiny_ascii).c_str());
+        source.read_as_text();
+        EXPECT_EQ(captured([&] { return read_ascii(store, source); }), 1) << front;
         EXPECT_FALSE(has_category(store, "control")) << front;
     }
+}
+
+TEST_F(ReaderChoice, file_without_the_mark_is_read_as_an_old_one_in_the_form_of_the_environment) {
+    const std::string ascii = "*version\n900.5\n";
+    EXPECT_EQ(read(LegacyBytes().version(12.5).str()), 0);
+    EXPECT_EQ(store_.input_type, "binary");
+    EXPECT_EQ(store_.version, 12.5);
+    EXPECT_EQ(read(ascii), 1);
+    setenv("KZB_READING_ASCII", "1", 1);
+    EXPECT_EQ(read(ascii), 0);
+    EXPECT_EQ(store_.input_type, "ascii");
+    EXPECT_EQ(store_.version, 900.5);
+    setenv("KZB_READING_ASCII", "0", 1);
+    EXPECT_EQ(read(ascii), 1);
 }
 
 TEST_F(RefusedFile, head_with_the_mark_but_not_of_this_form_is_broken) {
@@ -94,17 +110,6 @@ TEST_F(RefusedFile, folders_and_pipes_are_no_files) {
     store_.error = 0;
     EXPECT_EQ(read_path(path("pipe")), 1);
     EXPECT_EQ(store_.error, 90001);
-}
-
-TEST_F(RefusedFile, file_without_the_mark_gives_no_category_but_the_mark_of_iron_loss) {
-    for (const char* bytes : {"", "$DORN", "hello, world, this is no model", "\n$DORN-KZb,#\n"}) {
-        KZB_STORE store;
-        const std::string file = write(bytes);
-        EXPECT_EQ(read_model_file(store, file.c_str()), 1) << bytes;
-        EXPECT_EQ(store.error, 90001) << bytes;
-        ASSERT_EQ(store.categories.size(), 1U) << bytes;
-        EXPECT_EQ(store.categories[0].name, "information");
-    }
 }
 
 TEST_F(AfterReading, iron_loss_is_there_with_both_loss_categories) {

@@ -1,0 +1,95 @@
+// Parameter update of Calc_Eq_im_transient, at the head of every step: inductances and resistances of this step.
+//
+// Tables stand over (slip frequency Hz, peak primary current A); loss tables over (peak primary current, |slip
+// frequency|, |speed| Hz, DC voltage, carrier frequency). A lookup that fails is not noticed here: what it yields runs
+// through the arithmetic.
+#include <algorithm>
+#include <cmath>
+
+#include "models/calc_eq_im.h"
+#include "models/calc_eq_im_parameter_file.h"
+#include "models/first_step.h"
+
+namespace kzb {
+
+void Calc_Eq_im_transient::start_step(double time, double displacement) {
+    step_.time = time;
+    step_.theta = theta_of(displacement);
+    at_theta_ = RotorAngles(step_.theta);
+}
+
+void Calc_Eq_im_transient::update_parameters() {
+    if (read_parameter_file_) {
+        kzb::read_parameter_file("./parameters.txt", resistances_, step_.inductances);
+    } else {
+        update_from_tables();
+    }
+    resistances_.Rs = resistances_.Rs_DC;
+    resistances_.Rr = resistances_.Rr_base;
+    if (temperature_correction()) {
+        resistances_.Rs *= coil_factor();
+        resistances_.Rr *= secondary_factor();
+    }
+    resistances_.R_equivalent = equivalent_resistance();
+}
+
+void Calc_Eq_im_transient::update_from_tables() {
+    if (machine_.inductance_type == inductance_constants) {
+        hold_secondary_resistance();
+    }
+    const double point[2] = {slip_frequency(), step_.primary_current};
+    ImInductances& l = step_.inductances;
+    l.m_Ls = tables_.l11.at(*store_, method(), point, 2);
+    l.m_Msr = tables_.m12.at(*store_, method(), point, 2);
+    l.m_Mrs = tables_.m21.at(*store_, method(), point, 2);
+    l.m_Lr = tables_.l22.at(*store_, method(), point, 2);
+    resistances_.Rr_base = tables_.r2.at(*store_, method(), point, 2);
+    // Once per call: a sample with tables, which is observed and then derived, advances the angle twice, as
+    // established.
+    step_.flux_angle += (electrical_speed() + step_.slip_omega) * (step_.time - step_.time_prev);
+}
+
+// With constants the table follows the resistance, so that one that the caller has set stays in force. Values alone
+// change: nothing that was resolved or remembered of the table depends on them.
+void Calc_Eq_im_transient::hold_secondary_resistance() {
+    if (KZB_TABLE* const table = tables_.secondary_resistance(*store_)) {
+        std::fill_n(table->values.data(), table->values.size(), resistances_.Rr_base);
+    }
+}
+
+double Calc_Eq_im_transient::secondary_factor() const {
+    return 1.0 + heat_term(temperatures_.secondary_coil_coefficient, 1e-6, temperatures_.secondary_coil_temperature,
+                           temperatures_.base_secondary_coil_temperature);
+}
+
+void Calc_Eq_im_transient::set_secondary_resistance(double ohm) {
+    resistances_.Rr_base = ohm;
+    resistances_.Rr = ohm;
+    if (temperature_correction()) {
+        resistances_.Rr *= secondary_factor();
+    }
+}
+
+double Calc_Eq_im_transient::equivalent_resistance() {
+    if (!machine_.user_copper_loss_enabled || !tables_.has_equivalent_resistance(*store_)) {
+        return 0.0;
+    }
+    const SixCurrents& i = step_.current_accepted;
+    const double point[5] = {peak_of(clarke(i[0], i[1], i[2])), std::fabs(slip_frequency()),
+                             std::fabs(electrical_speed() / 6.283185307179586), machine_.dc_voltage,
+                             machine_.carrier_frequency};
+    const double resistance = tables_.copper_loss.at(*store_, method(), point, 5);
+    return temperature_correction() ? resistance * coil_factor() : resistance;
+}
+
+void Calc_Eq_im_transient::apply_first_step_rule() {
+    if (step_.step_count != 1) {
+        return;
+    }
+    forget_unset_start(step_.initial_set, step_.current_accepted, step_.initial_time_set, step_.time_prev);
+    step_.theta_prev = step_.theta;
+    at_theta_prev_ = at_theta_;
+    step_.flux_angle = 0.0;
+}
+
+}  // namespace kzb

@@ -1,0 +1,44 @@
+#include "kzb/measured_file.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include "fmt/format.h"
+#include "kzb/command.h"
+#include "kzb/regular_file.h"
+
+namespace kzb::tool {
+
+namespace {
+
+// The file is sound and the model is not the one for it: what was corrected before, the machine, missing references.
+constexpr std::array<int, 6> unsuited = {90021, 90022, 90025, 90026, 90027, 90028};
+constexpr int points_missing = 90024;
+
+bool ends_without_line_feed(const std::string& path) {
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    if (!file || file.tellg() <= 0) {
+        return false;
+    }
+    file.seekg(-1, std::ios::end);
+    return file.get() != '\n';
+}
+
+}  // namespace
+
+void take_in(KZB_STORE& store, const std::string& path, std::string_view expected,
+             const std::function<int(const char*, KZB_STORE*)>& call) {
+    require_regular_file(path, expected);
+    const LibraryAnswer answer = ask_library(store, [&](KZB_STORE* handle) { return call(path.c_str(), handle); });
+    if (answer.result == 0 && answer.said.empty()) {
+        return;
+    }
+    const bool suited = std::find(unsuited.begin(), unsuited.end(), answer.error) == unsuited.end();
+    const std::string_view hint = answer.error == points_missing && ends_without_line_feed(path)
+                                      ? "; the last line has no line end and is not read"
+                                      : "";
+    throw Failure(suited ? exit_file : exit_run_failed, fmt::format("{}: {}{}", path, cause_of(answer), hint));
+}
+
+}  // namespace kzb::tool
