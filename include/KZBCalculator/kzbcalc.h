@@ -9,7 +9,7 @@
  *
  * Motor types: 10000 permanent-magnet synchronous, 10003 two-phase stepping, 10004 linear solenoid, 10005 linear
  *           synchronous, 10006 induction, 10007 wound-field synchronous, 10008 generic, 10010 to 10012 switched
- *           reluctance with 3, 4, 5 phases. This version opens 10000 and 10005.
+ *           reluctance with 3, 4, 5 phases. This version opens all but 10008.
  * Results:  a status is 0 or a code 1800xx; a getter of a double returns the code as a number (180039.0), to be told
  *           from a value by its size. A null handle, and one whose kzbcalcInitialize failed, gives 180039 where the
  *           call doesn't say otherwise. No call throws or ends the process.
@@ -94,7 +94,7 @@ KZB_API int kzbcalcCheckMotorType(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     3, 4 or 5 for 10010, 10011, 10012; else a status.
  *
- * Errors:  180039 for every other motor type, the three-phase ones included.
+ * Errors:  180039 for every other motor type, the three-phase ones included. Answers also when the mode was refused.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -135,7 +135,7 @@ KZB_API int kzbcalcSetTime(double time, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180039 for a motor type the call doesn't apply to.
+ * Errors:  180039 for 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -188,15 +188,17 @@ KZB_API int kzbcalcSetSignal(int phase, int signal, KZB_CALC* handle);
 
 /**
  * One step from the accepted state to the present time. May be called any number of times in a sample;
- * kzbcalcUpdate alone accepts.
+ * kzbcalcUpdate alone accepts. Two kinds of model keep an integrated state that every call moves on: 10000 with flux
+ * integration, by the time since the sample before, and 10006 with the higher-accuracy data, by the step of
+ * kzbcalcSetStepSize; their results belong to the state after and before the move.
  *
  * @param[in]  handle  calculator; null is ignored.
  * @return     always 0; a failed step shows as unchanged currents.
  *
  * Errors:  none.
  * Threads: one handle per thread; handles are independent.
- * Cost:    table lookups and one solve of a few unknowns; no allocation after the first samples, no lock; writes
- *          files only with DORN_KZ_DEBUG_OUTPUT set.
+ * Cost:    table lookups and one solve of a few unknowns, for 10007 up to 200 times; no allocation after the first
+ * samples, no lock; writes files only with DORN_KZ_DEBUG_OUTPUT set.
  */
 KZB_API int kzbcalcExecute(KZB_CALC* handle);
 
@@ -229,14 +231,16 @@ KZB_API int kzbcalcUpdate(KZB_CALC* handle);
 KZB_API double kzbcalcGetCurrent(int phase, KZB_CALC* handle);
 
 /**
- * Voltage across a winding less its resistive drop; not the applied voltage.
+ * Voltage that the last step found in a phase, not the applied one: for 10000 and 10005 that across the winding less
+ * its resistive drop, for 10003 (of the accepted step) and 10004 the magnet's, for 10006 and 10007 that of the changing
+ * flux.
  *
  * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
  *                    for 10004, 1 to 5 for 10012.
  * @param[in]  handle  calculator; null gives 180039.0.
- * @return     (V), or a status as a number; 0.0 for reluctance machines.
+ * @return     (V), or a status as a number; 0.0 for reluctance machines, and for 10006 outside its phases.
  *
- * Errors:  180031.0 phase out of range, 180039.0 generic model.
+ * Errors:  180031.0 phase out of range, 10006 excepted; 180039.0 generic model.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -248,7 +252,8 @@ KZB_API double kzbcalcGetVoltage(int phase, KZB_CALC* handle);
  * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
  *                    for 10004, 1 to 5 for 10012.
  * @param[in]  handle  calculator; null gives 180039.0.
- * @return     (V), or a status as a number; 0.0 before the third sample and for 10008.
+ * @return     (V), or a status as a number; 0.0 for 10008, and while no time has passed; for 10000
+ *             and 10005 0.0 before the third sample.
  *
  * Errors:  180031.0 phase out of range.
  * Threads: one handle per thread; handles are independent.
@@ -257,7 +262,8 @@ KZB_API double kzbcalcGetVoltage(int phase, KZB_CALC* handle);
 KZB_API double kzbcalcGetInducedVoltage(int phase, KZB_CALC* handle);
 
 /**
- * Torque: of the last step when voltage driven, evaluated from the present currents when current driven.
+ * Torque: of the last step when voltage driven, evaluated from the present currents when current driven. For 10006 with
+ * the higher-accuracy data every current-driven call moves the integrated state on by the step of kzbcalcSetStepSize.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (N*m), or a status as a number.
@@ -269,7 +275,7 @@ KZB_API double kzbcalcGetInducedVoltage(int phase, KZB_CALC* handle);
 KZB_API double kzbcalcGetTorque(KZB_CALC* handle);
 
 /**
- * Force of a linear machine, evaluated from the present currents.
+ * Force of a linear machine or a solenoid, evaluated from the present currents in either mode.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (N), or a status as a number.
@@ -295,14 +301,15 @@ KZB_API double kzbcalcGetCoilFlux(int phase, KZB_CALC* handle);
 
 /**
  * Element of the inductance matrix. For permanent-magnet machines row 1 column 3 gives the element at row 3 column
- * 1.
+ * 1. For 10003, 10004 and 10010 to 10012 the call first accepts the step as kzbcalcUpdate does; 10003 gives the last
+ * row's element of column 1 whatever the row is, and 0.0 in the other columns.
  *
  * @param[in]  row  from 1, a phase as for kzbcalcGetCurrent.
  * @param[in]  column  likewise.
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (H), or a status as a number.
  *
- * Errors:  180031.0 row or column out of range; 180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180031.0 row or column out of range; 180039.0 for 10006, whatever row and column are, and for 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -314,7 +321,7 @@ KZB_API double kzbcalcGetInductance(int row, int column, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (H), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for a motor type other than 10000 and 10007.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -326,20 +333,21 @@ KZB_API double kzbcalcGetDAxisInductance(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (H), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for a motor type other than 10000 and 10007.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
 KZB_API double kzbcalcGetQAxisInductance(KZB_CALC* handle);
 
 /**
- * Magnet flux of a phase at the present position, without temperature. In C++ the call has C++ linkage.
+ * Magnet flux of a phase at the present position, without temperature; for 10003 and 10004 that of the last step, with
+ * it. In C++ the call has C++ linkage.
  *
- * @param[in]  phase  1 to 3; tested after the lookup.
+ * @param[in]  phase  from 1 to 3, for 10003 to 4, for 10004 1 alone; tested after the lookup.
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (Vs), or a status as a number.
  *
- * Errors:  180042.0 phase out of range; 180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180042.0 phase out of range; 180039.0 for a motor type other than 10000, 10003 to 10005.
  * Threads: one handle per thread; handles are independent.
  * Cost:    one table lookup, no allocation.
  */
@@ -352,19 +360,21 @@ KZB_API double kzbcalcGetMagFlux(int phase, KZB_CALC* handle) __asm__("_Z17kzbca
 #endif
 
 /**
- * Resistance of a phase in the last step.
+ * Resistance of a phase: at the temperature of the last step, for 10007 at base temperature; for 10006 with the part
+ * that user copper loss adds.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (Ohm), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
 KZB_API double kzbcalcGetResistance(KZB_CALC* handle);
 
 /**
- * Copper loss: sum over the phases of resistance times current squared, one resistance serving all phases.
+ * Copper loss: sum over the phases of resistance times current squared, one resistance serving all phases; for 10007
+ * the field coil counts as a fourth phase. The secondary side of 10006 is not in it: kzbcalcGetSecondaryCopperLoss.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (W), or 180039.0 for a null handle.
@@ -381,7 +391,7 @@ KZB_API double kzbcalcGetCopperloss(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (W), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for a motor type other than 10000 and 10007.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -393,7 +403,7 @@ KZB_API double kzbcalcGetEddyloss(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (W), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for a motor type other than 10000 and 10007.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -405,7 +415,7 @@ KZB_API double kzbcalcGetHysteresisloss(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (W), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for a motor type other than 10000, 10006 to 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -417,7 +427,7 @@ KZB_API double kzbcalcGetIronloss(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (W), or a status as a number.
  *
- * Errors:  180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180039.0 for a motor type other than 10000 and 10006.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -430,7 +440,7 @@ KZB_API double kzbcalcGetUserCopperLoss(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     the value, or a status as a number.
  *
- * Errors:  180062.0 index out of range; 180039.0 for a motor type the call doesn't apply to.
+ * Errors:  180062.0 index out of range; 180039.0 for a motor type other than 10000, 10007, 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -442,7 +452,7 @@ KZB_API double kzbcalcGetUserSpecifiedParameter(int index, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     the number, or a status.
  *
- * Errors:  180039 for a motor type the call doesn't apply to.
+ * Errors:  180039 for a motor type other than 10000, 10007, 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -485,7 +495,7 @@ KZB_API int kzbcalcSetInitialDisplacement(double displacement, KZB_CALC* handle)
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180032 negative; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180032 negative; 180039 for 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -498,7 +508,7 @@ KZB_API int kzbcalcSetInitialTime(double time, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180041 zero or negative; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180041 zero or negative; 180039 for 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -852,20 +862,20 @@ KZB_API int kzbcalcSetSkewParameter(int type_a, int type_b, double angle_a, doub
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180048 another number; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180048 another number; 180039 for a motor type other than 10000, 10005 to 10007.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
 KZB_API int kzbcalcSetConnectionType(int type, KZB_CALC* handle);
 
 /**
- * Switches iron loss on; before kzbcalcSetData. With DORN_KZ_USE_OLD_IRONLOSS=1 in the environment the older
- * formula serves.
+ * Switches iron loss on; before kzbcalcSetData. A file of 10006 without the higher-accuracy data is granted it by a
+ * "g0" other than 0.0 alone. With DORN_KZ_USE_OLD_IRONLOSS=1 in the environment the older formula serves.
  *
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180040 the file has no loss data; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180040 the file has no loss data; 180039 for a motor type other than 10000, 10006 to 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -877,7 +887,7 @@ KZB_API int kzbcalcSetIronlossCalc(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     1 or 0, or a status.
  *
- * Errors:  180039 for a motor type the call doesn't apply to.
+ * Errors:  180039 for a motor type other than 10000, 10006 to 10008.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -889,7 +899,7 @@ KZB_API int kzbcalcCheckIronloss(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180065 the file has no such data; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180065 the file has no such data; 180039 for a motor type other than 10000 and 10006.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -901,7 +911,7 @@ KZB_API int kzbcalcSetUserCopperlossCalc(KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     1 or 0, or a status.
  *
- * Errors:  180039 for a motor type the call doesn't apply to.
+ * Errors:  180039 for a motor type other than 10000 and 10006.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -927,7 +937,7 @@ KZB_API int kzbcalcSetPWMFreq(double frequency, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180064 no such loss is in use; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180064 no such loss is in use; 180039 for a motor type other than 10000 and 10006.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
@@ -940,14 +950,14 @@ KZB_API int kzbcalcSetDCVoltage(double voltage, KZB_CALC* handle);
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
- * Errors:  180064 no such loss is in use; 180039 for a motor type the call doesn't apply to.
+ * Errors:  180064 no such loss is in use; 180039 for a motor type other than 10000 and 10006.
  * Threads: one handle per thread; handles are independent.
  * Cost:    no allocation, no lock, no file.
  */
 KZB_API int kzbcalcSetCarrierFrequency(double frequency, KZB_CALC* handle);
 
 /**
- * Upper limit of a solenoid's displacement.
+ * Upper limit of a solenoid's displacement, as the file states it; the model doesn't keep to it.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (m), 0.0 when the file states none; or a status as a number.
@@ -959,7 +969,7 @@ KZB_API int kzbcalcSetCarrierFrequency(double frequency, KZB_CALC* handle);
 KZB_API double kzbcalcGetUpperLimitDisplacement(KZB_CALC* handle);
 
 /**
- * Lower limit of a solenoid's displacement.
+ * Lower limit of a solenoid's displacement, as the file states it; the model doesn't keep to it.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (m), 0.0 when the file states none; or a status as a number.
@@ -985,7 +995,7 @@ KZB_API double kzbcalcGetLowerLimitDisplacement(KZB_CALC* handle);
 KZB_API int kzbcalcCheckInductionMotorInductanceType(KZB_CALC* handle);
 
 /**
- * Fixed step of the model's integration.
+ * Fixed step of the integration with the higher-accuracy data; 0 at start, which keeps the state where it is.
  *
  * @param[in]  step_size  (s), 0 or more.
  * @param[in]  handle  calculator; null gives 180039.

@@ -82,28 +82,26 @@ Four stepped(const WoundField& w, int samples) {
     return {model.state().Id, model.state().Iq, model.terminal_current(4), model.torque()};
 }
 
-// Errors of the steps at full and at half length halve: first order, to the solution of the equations.
+// Errors of the steps at full and at half length are as two to one: first order, to the solution of the equations.
+// Tables over amplitude and phase bend the flux between nodes 5 degrees apart, by 1 - cos(2.5 degrees), a thousandth.
 TEST(wfsm_physics, run_converges_to_the_equations_of_the_machine) {
     for (const int connection : {0, 1}) {
-        for (const int type : {0, 1}) {
-            Rotor rotor{{.current_type = type, .connection = connection}};
-            const Rotor::State psi = rotor.at_end();
-            const Rotor::State i = rotor.currents(psi);
-            const double torque = rotor.w.poles * 0.5 * (psi[0] * i[1] - psi[1] * i[0]);
-            const Four exact{i[0], i[1], i[2], torque};
-            // Over amplitude and phase the flux between nodes of the phase bends: the smaller grid error of d and q.
-            rotor.w.positions = 361;
-            const Four coarse = stepped(rotor.w, 90);
-            rotor.w.positions = 721;
-            const Four fine = stepped(rotor.w, 180);
-            for (std::size_t k = 0; k < 4; ++k) {
-                SCOPED_TRACE(std::to_string(connection) + ' ' + std::to_string(type) + ' ' + std::to_string(k));
-                EXPECT_GT(std::fabs(exact[k]), 1.0);
-                if (type == 0) {
-                    EXPECT_NEAR((coarse[k] - exact[k]) / (fine[k] - exact[k]), 2.0, 0.15);
-                }
-                EXPECT_NEAR(fine[k], exact[k], 0.05 * std::fabs(exact[k]));
-            }
+        Rotor rotor{{.connection = connection}};
+        const Rotor::State psi = rotor.at_end();
+        const Rotor::State i = rotor.currents(psi);
+        const double torque = rotor.w.poles * 0.5 * (psi[0] * i[1] - psi[1] * i[0]);
+        const Four exact{i[0], i[1], i[2], torque};
+        rotor.w.positions = 361;
+        const Four fine = stepped(rotor.w, 90);
+        rotor.w.positions = 181;
+        const Four coarse = stepped(rotor.w, 45);
+        rotor.w.current_type = 1;
+        const Four polar = stepped(rotor.w, 45);
+        for (std::size_t k = 0; k < 4; ++k) {
+            SCOPED_TRACE(std::to_string(connection) + ' ' + std::to_string(k));
+            EXPECT_GT(std::fabs(exact[k]), 1.0);
+            EXPECT_NEAR((coarse[k] - exact[k]) / (fine[k] - exact[k]), 2.0, 0.15);
+            EXPECT_NEAR(polar[k], coarse[k], 0.01 * std::fabs(coarse[k]));
         }
     }
 }

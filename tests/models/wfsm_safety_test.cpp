@@ -69,6 +69,7 @@ TEST(wfsm_safety, empty_store) {
 }
 
 TEST(wfsm_safety, each_table_missing_in_turn) {
+    const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const int missing : {0, 1, 2}) {
         KZB_STORE store;
         linear_file(store);
@@ -82,6 +83,7 @@ TEST(wfsm_safety, each_table_missing_in_turn) {
 }
 
 TEST(wfsm_safety, tables_of_other_shapes) {
+    const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const int dim : {1, 2, 4, 6, 9}) {
         KZB_STORE store;
         wfsm_basics(store, {.current_type = dim % 2});
@@ -113,9 +115,10 @@ TEST(wfsm_safety, number_of_materials_without_backing_is_bounded) {
 
 // No element: nothing is solved, the currents stay, no voltage is induced.
 TEST(wfsm_safety, unknown_connection_has_no_network) {
+    const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const int connection : {2, 1000}) {
         KZB_STORE store;
-        linear_file(store, {.connection = connection});
+        linear_file(store, {.connection = connection, .positions = 9});
         Calc_Eq_wfsm model;
         model.set_initial_current(4, 5.0);
         model.bind(store);
@@ -130,6 +133,7 @@ TEST(wfsm_safety, unknown_connection_has_no_network) {
 }
 
 TEST(wfsm_safety, machine_without_poles) {
+    const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const int type : {-1, 0, 1}) {
         KZB_STORE store;
         linear_file(store, {.poles = 0, .current_type = type});
@@ -144,7 +148,7 @@ TEST(wfsm_safety, passes_without_a_number_end) {
     const Environment passes("DORN_KZ_DEBUG_NITR", "300");
     const Environment relaxation("DORN_KZ_DEBUG_ACCEL", "nan");
     KZB_STORE store;
-    linear_file(store);
+    linear_file(store, {.positions = 9});
     Calc_Eq_wfsm model;
     model.set_initial_current(1, 3.0);
     model.bind(store);
@@ -161,6 +165,7 @@ TEST(wfsm_safety, passes_without_a_number_end) {
 }
 
 TEST(wfsm_safety, tables_with_numbers_beyond_all_bounds) {
+    const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const double value : {nan, infinite, -infinite, 1e308, 5e-324}) {
         KZB_STORE store;
         wfsm_basics(store);

@@ -17,7 +17,8 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-const std::vector<std::string> subcommands = {"info", "convert", "plot", "run"};
+const std::vector<std::string> subcommands = {"info", "convert", "plot", "run",      "get",
+                                              "set",  "correct", "loss", "transform"};
 
 TEST(Command, help_is_on_stdout_with_exit_code_0_for_every_subcommand) {
     const Finished whole = run_kzb({"--help"});

@@ -91,7 +91,7 @@ void make_ldlq(const TransformGuard& guard, const std::string& output, KZB_STORE
     }
     guard.run(store, 1, kzb_make_LdLq, remarks);
     if (!has_application(store, "PMSM", "LdLq")) {
-        warn(
+        remarks.push_back(
             fmt::format("{}: offers no PMSM LdLq yet: the magnet flux d_flux/d_flux is missing; kzb set ... "
                         "d_flux/d_flux=VALUE --type double adds it",
                         output));
@@ -157,7 +157,7 @@ void make_uvw(const TransformGuard& guard, KZB_STORE& store, Remarks& remarks) {
 Edit transform_edit(const std::string& kind, const SkewOptions& skew_options, const RewriteOptions& options) {
     const TransformGuard guard(kind, options.input);
     Edit edit;
-    edit.review = [guard](const KZB_STORE& store, const StoreChanges& changes) {
+    edit.review = [guard](const KZB_STORE& store, const StoreChanges& changes, Remarks&) {
         guard.require_values(store, changes);
     };
     if (kind == "skew") {

@@ -274,16 +274,16 @@ TEST_F(LossTable, random_bytes_do_no_harm) {
     }
 }
 
-// A million points of 100 x 100 x 100 in the order of a file written by hand: far below the limit of a hang, and all of
-// five different columns, where the axes would span 10^30 points.
-TEST_F(LossTable, a_million_lines_are_read_in_seconds) {
+// 200 000 points of 100 x 100 x 20, and as many with all coordinates different, where the axes would span 2e5^5 points.
+TEST_F(LossTable, many_lines_are_read_in_seconds) {
+    constexpr int count = 200000;
     std::string grid;
     std::string scattered;
-    for (int i = 0; i < 1000000; ++i) {
+    for (int i = 0; i < count; ++i) {
         const std::string a = std::to_string(i % 100);
         const std::string b = std::to_string(i / 100 % 100);
         const std::string c = std::to_string(i / 10000);
-        const std::string n = std::to_string(1000000 - i);
+        const std::string n = std::to_string(count - i);
         grid.append(a).append(" ").append(b).append(" ").append(c).append(" 0 0 ").append(n).append("\n");
         for (int column = 0; column < 6; ++column) {
             scattered.append(n).append(column == 5 ? "\n" : ",");
@@ -291,7 +291,7 @@ TEST_F(LossTable, a_million_lines_are_read_in_seconds) {
     }
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(add_iron_loss(grid), 0);
-    EXPECT_EQ(loss({99, 98, 97, 0, 0}), 1000000.0 - (99 + 9800 + 970000));
+    EXPECT_EQ(loss({99, 98, 17, 0, 0}), count - (99.0 + 9800.0 + 170000.0));
     EXPECT_EQ(add_iron_loss(scattered), 1);
     EXPECT_EQ(error(), 90024);
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
