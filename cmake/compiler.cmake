@@ -11,11 +11,14 @@ target_compile_definitions(kzb_flags INTERFACE
   $<$<CONFIG:Release>:BOOST_UBLAS_NDEBUG>)
 
 # One layer of the library: a static library from the sources of a folder below src/.
-# kzb_layer(name FOLDER folder [USES layer...])
+# kzb_layer(name FOLDER folder [WITHOUT folder] [USES layer...]); WITHOUT names a folder inside that is another layer.
 function(kzb_layer name)
-  cmake_parse_arguments(arg "" "FOLDER" "USES" ${ARGN})
+  cmake_parse_arguments(arg "" "FOLDER;WITHOUT" "USES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS
     ${PROJECT_SOURCE_DIR}/src/${arg_FOLDER}/*.cpp ${PROJECT_SOURCE_DIR}/src/${arg_FOLDER}/*/*.cpp)
+  if(arg_WITHOUT)
+    list(FILTER sources EXCLUDE REGEX "/src/${arg_WITHOUT}/")
+  endif()
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(${name} PUBLIC kzb_flags ${arg_USES})

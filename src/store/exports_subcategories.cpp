@@ -190,7 +190,9 @@ double kzb_get_subcategory_table_interpolated_value(const char* path, const int*
         kzb::KZB_NO_VALUE, path, indices, handle,
         [&](KZB_STORE& store, const std::string& name) {
             kzb::read_lookup_switches(store);
-            return kzb::look_up_plain(store, kzb::find_category(store, name), key, kzb::scheme_of(method), values);
+            const KZB_TABLE* const table = kzb::find_table(store, name, key);
+            return kzb::look_up_plain(store, kzb::has_category(store, name), table, kzb::scheme_of(method), values,
+                                      table == nullptr ? 0 : table->dim);
         },
         key, values, method);
 }

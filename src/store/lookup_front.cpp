@@ -95,12 +95,11 @@ double look_up(KZB_STORE& store, const ResolvedTable& resolved, Scheme scheme, c
     return result * factor;
 }
 
-double look_up_plain(KZB_STORE& store, const KZB_CATEGORY* category, const char* key, Scheme scheme,
-                     const double* values) {
+double look_up_plain(KZB_STORE& store, bool category_exists, const KZB_TABLE* table, Scheme scheme,
+                     const double* values, int count) {
     const ProcessWatch watch(store.keep_time);
-    const KZB_TABLE* table = category == nullptr ? nullptr : category->tables.find(key);
-    Coordinates coordinates(table, values, table == nullptr ? 0 : table->dim);
-    const double result = scheme_value(store, category != nullptr, table, scheme, coordinates.data());
+    Coordinates coordinates(table, values, count);
+    const double result = scheme_value(store, category_exists, table, scheme, coordinates.data());
     watch.add_to(store.timing[slot_total_elapsed]);
     return result;
 }
@@ -121,19 +120,26 @@ double TableRef::at(KZB_STORE& store, const Method& method, const double* values
     return look_up(store, current(store), method.scheme, names, values, count);
 }
 
+bool TableRef::components_together(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
+                                   double* results) {
+    const KZB_TABLE* const table = current(store).table;
+    if (table == nullptr || table->dim != leading + 1 || store.keep_time) {
+        return false;
+    }
+    std::fill(results, results + count, KZB_NO_VALUE);
+    const int code =
+        table_lookup_components(method.scheme, table, values, count, results, store.timing, store.switches);
+    if (code > 0) {
+        store.error = code;
+    }
+    return true;
+}
+
 void TableRef::components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
                           double* results) {
-    const ResolvedTable& resolved = current(store);
-    // A fold moves each component's position differently, a debug line and the statistics belong to single lookups.
-    const bool together = resolved.table != nullptr && resolved.table->dim == leading + 1 && !resolved.fold.active &&
-                          !store.debug_lines && !store.keep_time;
-    if (together) {
-        std::fill(results, results + count, KZB_NO_VALUE);
-        const int code = table_lookup_components(method.scheme, resolved.table, values, count, results, store.timing,
-                                                 store.switches);
-        if (code > 0) {
-            store.error = code;
-        }
+    // A fold moves each component's position differently, a debug line belongs to a single lookup.
+    if (!current(store).fold.active && !store.debug_lines &&
+        components_together(store, method, values, leading, count, results)) {
         return;
     }
     constexpr int most_leading = 7;
@@ -143,6 +149,27 @@ void TableRef::components(KZB_STORE& store, const Method& method, const double* 
     for (int component = 0; component < count; ++component) {
         point[static_cast<std::size_t>(leading)] = component;
         results[component] = at(store, method, point.data(), leading + 1);
+    }
+}
+
+double TableRef::plain_at(KZB_STORE& store, const Method& method, const double* values, int count) {
+    const ResolvedTable& resolved = current(store);
+    if (resolved.table != nullptr && resolved.table->dim <= count && !store.keep_time) {
+        return scheme_value(store, true, resolved.table, method.scheme, values);
+    }
+    return look_up_plain(store, resolved.category_exists, resolved.table, method.scheme, values, count);
+}
+
+void TableRef::plain_components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
+                                double* results) {
+    if (components_together(store, method, values, leading, count, results)) {
+        return;
+    }
+    std::vector<double> point(values, values + leading);
+    point.push_back(0.0);
+    for (int component = 0; component < count; ++component) {
+        point.back() = component;
+        results[component] = plain_at(store, method, point.data(), leading + 1);
     }
 }
 

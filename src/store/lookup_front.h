@@ -37,8 +37,8 @@ double look_up(KZB_STORE& store, const ResolvedTable& resolved, Scheme scheme, c
                const double* values, int count);
 
 // The lookup of subcategories: no fold, no debug line.
-double look_up_plain(KZB_STORE& store, const KZB_CATEGORY* category, const char* key, Scheme scheme,
-                     const double* values);
+double look_up_plain(KZB_STORE& store, bool category_exists, const KZB_TABLE* table, Scheme scheme,
+                     const double* values, int count);
 
 class TableRef {
   public:
@@ -62,7 +62,16 @@ class TableRef {
     void components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
                     double* results);
 
+    // The same as the lookup of subcategories gives them.
+    double plain_at(KZB_STORE& store, const Method& method, const double* values, int count);
+    void plain_components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
+                          double* results);
+
   private:
+    // All components in one search, where the table has them as its last axis and no single lookup has to be told
+    // apart.
+    bool components_together(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
+                             double* results);
     const ResolvedTable& current(const KZB_STORE& store) {
         if (resolved_.revision != store.revision) {
             resolved_ = resolve_table(store, category_, key_);
