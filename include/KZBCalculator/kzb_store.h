@@ -389,6 +389,21 @@ KZB_API int kzb_add_loss_table(const char* path, KZB_STORE* handle);
  */
 KZB_API int kzb_add_equivalent_copper_loss_resistance_table(const char* path, KZB_STORE* handle);
 
+/* ------------------------------------------------------------------------------------- ports of a generic model */
+
+/**
+ * Writes an XML document that tells what ports and parameters a generic model offers.
+ *
+ * @param[in] handle  store; null gives 1.
+ * @param[in] path    file name, overwritten; null counts as one that can't be opened.
+ * @return    0, or 1.
+ *
+ * Errors:  not a generic model: 1, no file, no error code; 90032 file not opened. A write that fails is silent.
+ * Threads: one thread per handle.
+ * Cost:    reads the lists of the file; allocates.
+ */
+KZB_API int kzb_export_information(KZB_STORE* handle, const char* path);
+
 #ifdef __cplusplus
 }
 #endif

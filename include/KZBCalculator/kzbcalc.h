@@ -9,7 +9,7 @@
  *
  * Motor types: 10000 permanent-magnet synchronous, 10003 two-phase stepping, 10004 linear solenoid, 10005 linear
  *           synchronous, 10006 induction, 10007 wound-field synchronous, 10008 generic, 10010 to 10012 switched
- *           reluctance with 3, 4, 5 phases. This version opens all but 10008.
+ *           reluctance with 3, 4, 5 phases.
  * Results:  a status is 0 or a code 1800xx; a getter of a double returns the code as a number (180039.0), to be told
  *           from a value by its size. A null handle, and one whose kzbcalcInitialize failed, gives 180039 where the
  *           call doesn't say otherwise. No call throws or ends the process.
@@ -1344,6 +1344,854 @@ KZB_API int kzbcalcGetNumberOfUserInputParameters(KZB_CALC* handle);
  * Cost:    no allocation, no lock, no file.
  */
 KZB_API int kzbcalcSetUserInputParameter(int index, double value, KZB_CALC* handle);
+
+/* ----------------------------------------------------------------------------------------- ports of a generic model */
+
+/**
+ * Number of input ports: electrical terminals, then temperatures of the coils, then displacements.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the number, or a status.
+ *
+ * Errors:  180039 another motor type.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetNumOfInputPortsForGenericModel(KZB_CALC* handle);
+
+/**
+ * Number of output ports: currents of coils, resistors, inductors and capacitors, voltage probes, forces or torques,
+ * iron loss (one, or none when the file has no data), fluxes of the coils, user specified values.
+ *
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the number, or a status; for 10000 and 10007 an unusable one, 8 times 180039 plus the number of user
+ *             parameters.
+ *
+ * Errors:  180039 for a motor type other than 10000, 10007, 10008.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetNumOfOutputPortsForGenericModel(KZB_CALC* handle);
+
+/**
+ * Labels of the input ports, in port order.
+ *
+ * @param[out] labels  array of kzbcalcGetNumOfInputPortsForGenericModel buffers of 128 bytes each; a null buffer is
+ *                     passed over.
+ * @param[in]  size  bytes of all buffers together.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180063 size below 128 times the number of ports, or a null array.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetInputLabelsForGenericModel(char** labels, int size, KZB_CALC* handle);
+
+/**
+ * Labels of the output ports, in port order.
+ *
+ * @param[out] labels  array of kzbcalcGetNumOfOutputPortsForGenericModel buffers of 128 bytes each; a null buffer is
+ *                     passed over.
+ * @param[in]  size  bytes of all buffers together.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180063 size below 128 times the number of ports, or a null array.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetOutputLabelsForGenericModel(char** labels, int size, KZB_CALC* handle);
+
+/* ---------------------------------------------------------------------------------------- arrays of a generic model */
+
+/**
+ * Inputs of a sample, in port order: volts or amperes, temperatures, displacements, to which the initial ones are
+ * added. The status of a refused temperature is dropped.
+ *
+ * @param[in]  values  array of [count]; null changes nothing.
+ * @param[in]  count  kzbcalcGetNumOfInputPortsForGenericModel; with another number nothing happens.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInputValuesForGenericModel(const double* values, int count, KZB_CALC* handle);
+
+/**
+ * Outputs of a sample, in port order; a value that can't be told is its status as a number.
+ *
+ * @param[out] values  array of [count].
+ * @param[in]  count  kzbcalcGetNumOfOutputPortsForGenericModel.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180063 another count, or a null array.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    one table lookup per force and user specified value; no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetOutputValuesForGenericModel(double* values, int count, KZB_CALC* handle);
+
+/**
+ * Switches: keep table values, temperature correction (1 switches it on), apply correction factors, apply temperature
+ * data, set the interpolation, and its type, 1 to 4 (0 can't be chosen here). A 0 changes nothing.
+ *
+ * @param[in]  values  array of 6.
+ * @param[in]  count  6.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180062 another count, or a null array.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetParametersForGenericModel(const int* values, int count, KZB_CALC* handle);
+
+/**
+ * Types of the power supplies (1 voltage, 2 current), then, unless table values are kept, coil resistances (Ohm),
+ * resistances (Ohm), inductances (H) and capacitances (F); values of 0 or below are passed over.
+ *
+ * @param[in]  supply_types  array of [count1].
+ * @param[in]  count1  up to the number of power supplies.
+ * @param[in]  coil_resistances  array of [count2].
+ * @param[in]  count2  up to the number of coils.
+ * @param[in]  resistances  array of [count3].
+ * @param[in]  count3  up to the number of resistors.
+ * @param[in]  inductances  array of [count4].
+ * @param[in]  count4  up to the number of inductors.
+ * @param[in]  capacitances  array of [count5].
+ * @param[in]  count5  up to the number of capacitors.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180062 a count too large, tested as its group is reached: groups before it have
+ *          been set.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetTableValuesForGenericModel(const int* supply_types, int count1, const double* coil_resistances,
+                                                 int count2, const double* resistances, int count3,
+                                                 const double* inductances, int count4, const double* capacitances,
+                                                 int count5, KZB_CALC* handle);
+
+/**
+ * Correction factors, when kzbcalcSetParametersForGenericModel asked for them, and temperature data, likewise. Factors
+ * of 0 or below are passed over, those of the forces excepted.
+ *
+ * @param[in]  flux  array of [count1], per coil.
+ * @param[in]  count1  up to the number of coils.
+ * @param[in]  force  array of [count2], per force table.
+ * @param[in]  count2  up to the number of force tables.
+ * @param[in]  user  array of [count3], per user parameter; those beyond the number of user inputs are passed over.
+ * @param[in]  count3  up to the number of user parameters.
+ * @param[in]  turns  array of [count4], per coil.
+ * @param[in]  count4  up to the number of coils.
+ * @param[in]  base_temperature  (K), array of [count5], per coil.
+ * @param[in]  count5  up to the number of coils.
+ * @param[in]  temperature_coefficient  (ppm per K), array of [count6], per coil.
+ * @param[in]  count6  up to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180062 a count too large, tested as its group is reached (forces, user
+ *          parameters, coils, temperatures): groups before it have been set.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionFactorsForGenericModel(const double* flux, int count1, const double* force, int count2,
+                                                       const double* user, int count3, const double* turns, int count4,
+                                                       const double* base_temperature, int count5,
+                                                       const double* temperature_coefficient, int count6,
+                                                       KZB_CALC* handle);
+
+/**
+ * Initial positions and currents. Positions are taken as they are, without conversion, the rotating motions from one
+ * array and the others from the other, in the order of the motions.
+ *
+ * @param[in]  rotary_positions  array of [count1].
+ * @param[in]  count1  with count2 up to the number of motions.
+ * @param[in]  linear_positions  array of [count2].
+ * @param[in]  count2  see count1.
+ * @param[in]  coil_currents  (A), array of [count3].
+ * @param[in]  count3  up to the number of coils.
+ * @param[in]  resistor_currents  (A), array of [count4].
+ * @param[in]  count4  up to the number of resistors.
+ * @param[in]  inductor_currents  (A), array of [count5].
+ * @param[in]  count5  up to the number of inductors.
+ * @param[in]  capacitor_currents  (A), array of [count6].
+ * @param[in]  count6  up to the number of capacitors.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type; 180062 a count too large: nothing is set.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialValuesForGenericModel(const double* rotary_positions, int count1,
+                                                   const double* linear_positions, int count2,
+                                                   const double* coil_currents, int count3,
+                                                   const double* resistor_currents, int count4,
+                                                   const double* inductor_currents, int count5,
+                                                   const double* capacitor_currents, int count6, KZB_CALC* handle);
+
+/* -------------------------------------------------------------------------------------- settings of a generic model */
+
+/**
+ * Initial displacement of a motion, added to every incoming one.
+ *
+ * @param[in]  motion_id  from 1 to the number of motions.
+ * @param[in]  position  in the unit of the displacement.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180055 no such motion.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialPositionForGenericModel(int motion_id, double position, KZB_CALC* handle);
+
+/**
+ * Initial current of a coil.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  current  (A), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180039 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialCoilCurrentForGenericModel(int coil_id, double current, KZB_CALC* handle);
+
+/**
+ * Initial current of a capacitor.
+ *
+ * @param[in]  capacitor_id  from 1 to the number of capacitors.
+ * @param[in]  current  (A), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180051 no such capacitor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialCapacitorCurrentForGenericModel(int capacitor_id, double current, KZB_CALC* handle);
+
+/**
+ * Initial current of a resistor.
+ *
+ * @param[in]  resistor_id  from 1 to the number of resistors.
+ * @param[in]  current  (A), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180052 no such resistor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialResistorCurrentForGenericModel(int resistor_id, double current, KZB_CALC* handle);
+
+/**
+ * Initial current of an inductor.
+ *
+ * @param[in]  inductor_id  from 1 to the number of inductors.
+ * @param[in]  current  (A), any finite value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180050 no such inductor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInitialInductorCurrentForGenericModel(int inductor_id, double current, KZB_CALC* handle);
+
+/**
+ * Makes a power supply a voltage or a current source.
+ *
+ * @param[in]  supply_id  from 1 to the number of power supplies.
+ * @param[in]  type  1 current source; any other number voltage source. kzbcalcGetPowerSupplyTypeForGenericModel answers
+ *                   the other way round.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180054 no such power supply.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetPowerSupplyTypeForGenericModel(int supply_id, int type, KZB_CALC* handle);
+
+/**
+ * Resistance of a coil at its base temperature.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  resistance  (Ohm), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180041 value not accepted; 180049 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilResistanceForGenericModel(int coil_id, double resistance, KZB_CALC* handle);
+
+/**
+ * Resistance of a resistor.
+ *
+ * @param[in]  resistor_id  from 1 to the number of resistors.
+ * @param[in]  resistance  (Ohm), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180041 value not accepted; 180052 no such resistor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetResistanceForGenericModel(int resistor_id, double resistance, KZB_CALC* handle);
+
+/**
+ * Capacitance of a capacitor.
+ *
+ * @param[in]  capacitor_id  from 1 to the number of capacitors.
+ * @param[in]  capacitance  (F), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180058 value not accepted; 180051 no such capacitor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCapacitanceForGenericModel(int capacitor_id, double capacitance, KZB_CALC* handle);
+
+/**
+ * Inductance of an inductor.
+ *
+ * @param[in]  inductor_id  from 1 to the number of inductors.
+ * @param[in]  inductance  (H), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180059 value not accepted; 180050 no such inductor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetInductanceForGenericModel(int inductor_id, double inductance, KZB_CALC* handle);
+
+/**
+ * Temperature that a coil's resistance belongs to.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  temperature  (K), 0 or more; 0.0 leaves it as it is.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180043 value not accepted; 180049 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilBaseTemperatureForGenericModel(int coil_id, double temperature, KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of a coil's resistance.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  coefficient  (ppm per K), 0 or more; 0.0 leaves it as it is.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180044 value not accepted; 180049 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilTemperatureCorrectionCoefficientForGenericModel(int coil_id, double coefficient,
+                                                                          KZB_CALC* handle);
+
+/**
+ * Factor on a coil's flux.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  factor  above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180017 value not accepted; 180049 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfFluxForGenericModel(int coil_id, double factor, KZB_CALC* handle);
+
+/**
+ * Turns of a coil; its flux and inductances scale with their ratio to the file's turns.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  turns  0 or more; 0.0 leaves them as they are.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180016 value not accepted; 180049 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfCoilTurn2ForGenericModel(int coil_id, double turns, KZB_CALC* handle);
+
+/**
+ * Factor on a user specified value; acts on a file of coil sets.
+ *
+ * @param[in]  parameter_id  from 1 to the number of user parameters.
+ * @param[in]  factor  above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180016 value not accepted; 180064 no such user parameter.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfUserSpecifiedParameterForGenericModel(int parameter_id, double factor,
+                                                                        KZB_CALC* handle);
+
+/**
+ * Factor on a force or torque; acts on a file of coil sets.
+ *
+ * @param[in]  force_id  from 1 to the number of force tables.
+ * @param[in]  factor  above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180019 value not accepted; 180057 no such force table.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCorrectionOfForceForGenericModel(int force_id, double factor, KZB_CALC* handle);
+
+/* ---------------------------------------------------------------------------------------- sample of a generic model */
+
+/**
+ * Displacement of a motion; the initial one is added. kzbcalcExecute turns that of a rotating motion into radians in
+ * place: set it anew before each.
+ *
+ * @param[in]  motion_id  from 1 to the number of motions.
+ * @param[in]  displacement  degrees, or the linear unit of the file.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180055 no such motion.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetDisplacementForGenericModel(int motion_id, double displacement, KZB_CALC* handle);
+
+/**
+ * Voltage or current of a power supply.
+ *
+ * @param[in]  supply_id  from 1 to the number of power supplies.
+ * @param[in]  value  (V) or (A), by the supply's type.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180054 no such power supply.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetPowerSupplyForGenericModel(int supply_id, double value, KZB_CALC* handle);
+
+/**
+ * Switch of a power supply.
+ *
+ * @param[in]  supply_id  from 1 to the number of power supplies.
+ * @param[in]  on  1 on; any other number off: a voltage source floats, a current source keeps its last value.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180039 another motor type (tested first); 180054 no such power supply.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetPowerSupplySwitchForGenericModel(int supply_id, int on, KZB_CALC* handle);
+
+/**
+ * Temperature of a coil.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  temperature  (K), above 0.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     0, or a status.
+ *
+ * Errors:  180046 temperature correction is off, tested before the motor type; 180039 another motor type; 180043 value
+ *          not accepted; 180049 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcSetCoilTemperatureForGenericModel(int coil_id, double temperature, KZB_CALC* handle);
+
+/* --------------------------------------------------------------------------------------- results of a generic model */
+
+/**
+ * Resistance of a coil at its temperature.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Ohm), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilResistanceForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Temperature of a coil.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilTemperatureForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Temperature that a coil's resistance belongs to.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (K), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilBaseTemperatureForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Temperature coefficient of a coil's resistance.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (ppm per K), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilTemperatureCorrectionCoefficientForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Factor on a coil's flux.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     the factor, or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCorrectionOfFluxForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Turns of a coil.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     the turns, or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCorrectionOfCoilTurn2ForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Current of a coil, positive from the first to the second terminal.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (A), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilCurrentForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Flux linkage of a coil.
+ *
+ * @param[in]  coil_id  from 1 to the number of coils.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Vs), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180049.0 no such coil.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCoilFluxForGenericModel(int coil_id, KZB_CALC* handle);
+
+/**
+ * Resistance of a resistor.
+ *
+ * @param[in]  resistor_id  from 1 to the number of resistors.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (Ohm), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180052.0 no such resistor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetResistanceForGenericModel(int resistor_id, KZB_CALC* handle);
+
+/**
+ * Current of a resistor, positive from the first to the second terminal.
+ *
+ * @param[in]  resistor_id  from 1 to the number of resistors.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (A), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180052.0 no such resistor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetResistorCurrentForGenericModel(int resistor_id, KZB_CALC* handle);
+
+/**
+ * Inductance of an inductor.
+ *
+ * @param[in]  inductor_id  from 1 to the number of inductors.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (H), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180050.0 no such inductor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetInductanceForGenericModel(int inductor_id, KZB_CALC* handle);
+
+/**
+ * Current of an inductor, positive from the first to the second terminal.
+ *
+ * @param[in]  inductor_id  from 1 to the number of inductors.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (A), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180050.0 no such inductor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetInductorCurrentForGenericModel(int inductor_id, KZB_CALC* handle);
+
+/**
+ * Capacitance of a capacitor.
+ *
+ * @param[in]  capacitor_id  from 1 to the number of capacitors.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (F), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180051.0 no such capacitor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCapacitanceForGenericModel(int capacitor_id, KZB_CALC* handle);
+
+/**
+ * Current of a capacitor, positive from the first to the second terminal.
+ *
+ * @param[in]  capacitor_id  from 1 to the number of capacitors.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (A), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180051.0 no such capacitor.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCapacitorCurrentForGenericModel(int capacitor_id, KZB_CALC* handle);
+
+/**
+ * Potential of a voltage probe's first terminal.
+ *
+ * @param[in]  probe_id  from 1 to the number of voltage probes.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (V), or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180053.0 no such voltage probe.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetVoltageProbeValueForGenericModel(int probe_id, KZB_CALC* handle);
+
+/**
+ * Force or torque of a table, looked up at the axes that the last kzbcalcExecute left.
+ *
+ * @param[in]  force_id  from 1 to the number of force tables.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     (N) or (N*m), 0.0 when no table has this id; or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180057.0 no such force table.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    one table lookup; no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetForceForGenericModel(int force_id, KZB_CALC* handle);
+
+/**
+ * Factor on a force or torque.
+ *
+ * @param[in]  force_id  from 1 to the number of force tables.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     the factor, or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180057.0 no such force table.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetCorrectionOfForceForGenericModel(int force_id, KZB_CALC* handle);
+
+/**
+ * Whether a power supply is a voltage source.
+ *
+ * @param[in]  supply_id  from 1 to the number of power supplies.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     1 voltage source, 0 current source, or a status.
+ *
+ * Errors:  180039 another motor type; 180054 no such power supply.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetPowerSupplyTypeForGenericModel(int supply_id, KZB_CALC* handle);
+
+/**
+ * Upper limit of a motion's displacement, as the file states it; the model doesn't keep to it.
+ *
+ * @param[in]  motion_id  from 1 to the number of motions.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     degrees, or the linear unit of the file; or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180055.0 no such motion; 180056.0 the motion has no limit.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetUpperLimitDisplacementForGenericModel(int motion_id, KZB_CALC* handle);
+
+/**
+ * Lower limit of a motion's displacement: 0.0 for every motion that has limits.
+ *
+ * @param[in]  motion_id  from 1 to the number of motions.
+ * @param[in]  handle  calculator; null gives 180039.0.
+ * @return     degrees, or the linear unit of the file; or a status as a number.
+ *
+ * Errors:  180039.0 another motor type; 180055.0 no such motion; 180056.0 the motion has no limit.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API double kzbcalcGetLowerLimitDisplacementForGenericModel(int motion_id, KZB_CALC* handle);
+
+/**
+ * Force table of a motion.
+ *
+ * @param[in]  motion_id  from 1 to the number of motions.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the table's id, or a status.
+ *
+ * Errors:  180039 another motor type; 180055 no such motion.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetMotionReferTableIdForGeneric(int motion_id, KZB_CALC* handle);
+
+/* ----------------------------------------------------------------------------------- ids of a generic model by name */
+
+/**
+ * Id of the first coil of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180049 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetCoilIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
+
+/**
+ * Id of the first inductor of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180050 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetInductorIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
+
+/**
+ * Id of the first capacitor of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180051 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetCapacitorIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
+
+/**
+ * Id of the first resistor of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180052 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetResistorIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
+
+/**
+ * Id of the first voltage probe of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180053 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetVoltageProbeIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
+
+/**
+ * Id of the first power supply of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180054 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetPowerSupplyIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
+
+/**
+ * Id of the first motion of this name.
+ *
+ * @param[in]  name  as in the file; an empty or null name matches nothing.
+ * @param[in]  handle  calculator; null gives 180039.
+ * @return     the id, from 1, or a status.
+ *
+ * Errors:  180039 another motor type; 180055 no such name.
+ * Threads: one handle per thread; handles are independent.
+ * Cost:    no allocation, no lock, no file.
+ */
+KZB_API int kzbcalcGetMotionIdFromNameForGenericModel(const char* name, KZB_CALC* handle);
 
 #ifdef __cplusplus
 }

@@ -4,6 +4,7 @@
 #include "interface/model_dispatch.h"
 #include "interface/start_values.h"
 #include "models/control_record.h"
+#include "store/record_list.h"
 
 using namespace kzb;
 
@@ -34,6 +35,24 @@ void size_ports(KZB_CALC& handle) {
     handle.signal.assign(ports, 1.0);
 }
 
+// Reads the circuit of a generic model and sizes what follows from it; false for one that can't be executed.
+bool open_circuit(KZB_CALC& handle, Calc_Eq_generic& model) {
+    const KZB_STORE& store = *handle.store;
+    model.initialize(*handle.store);
+    if (!model.faults().empty()) {
+        return false;
+    }
+    const auto supplies = static_cast<std::size_t>(model.count(PortGroup::sources));
+    const auto motions = static_cast<std::size_t>(model.motion_count());
+    handle.voltage.assign(supplies, 0.0);
+    handle.signal.assign(supplies, 1.0);
+    handle.user_input.assign(static_cast<std::size_t>(record_count(store, "input_port_list;user_input")), 0.0);
+    handle.displacement.assign(motions, 0.0);
+    handle.initial_displacement.assign(motions, 0.0);
+    handle.no_coil_set = record_count(store, "element_set_list;coil_set") == 0;
+    return true;
+}
+
 int initialize(KZB_CALC& handle, const char* path, int calc_mode) {
     KZB_STORE* store = nullptr;
     kzb_initialize(&store);
@@ -56,6 +75,9 @@ int initialize(KZB_CALC& handle, const char* path, int calc_mode) {
     ControlRecord record;
     record.read(*store);
     std::unique_ptr<Calc> model = create_model(*handle.type);
+    if (handle.type->set == generic && !open_circuit(handle, static_cast<Calc_Eq_generic&>(*model))) {
+        return status_motor_type;
+    }
     set_start_values(handle, *model, record);
     handle.model = std::move(model);
     return 0;

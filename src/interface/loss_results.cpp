@@ -55,14 +55,15 @@ double kzbcalcGetHysteresisloss(KZB_CALC* handle) {
 }
 
 double kzbcalcGetIronloss(KZB_CALC* handle) {
-    return get_value<with_materials | induction>(
+    return get_value<with_materials | induction | generic>(
         handle,
         [=](Calc_Eq& model) {
             // A loss table gives the whole iron loss in one number.
             return has_loss_table(*handle) ? model.eddy_loss() : model.eddy_loss() + model.hysteresis_loss();
         },
         [](Calc_Eq_wfsm& model) { return model.eddy_loss() + model.hysteresis_loss(); },
-        [](Calc_Eq_im_transient& model) { return model.iron_loss(); });
+        [](Calc_Eq_im_transient& model) { return model.iron_loss(); },
+        [](Calc_Eq_generic& model) { return model.iron_loss(); });
 }
 
 double kzbcalcGetUserCopperLoss(KZB_CALC* handle) {
@@ -77,13 +78,21 @@ double kzbcalcGetUserCopperLoss(KZB_CALC* handle) {
 }
 
 double kzbcalcGetUserSpecifiedParameter(int index, KZB_CALC* handle) {
-    return get_value<with_materials>(handle, [=](auto& model) {
-        const std::vector<double>& parameters = model.user_parameters();
-        const bool inside = index >= 1 && static_cast<std::size_t>(index) <= parameters.size();
-        return inside ? parameters[static_cast<std::size_t>(index) - 1] : as_value(status_count);
+    return guarded(not_applicable, [&] {
+        return with_tables<with_materials | generic>(
+            handle, not_applicable,
+            [=](auto& model) {
+                const std::vector<double>& parameters = model.user_parameters();
+                const bool inside = index >= 1 && static_cast<std::size_t>(index) <= parameters.size();
+                return inside ? parameters[static_cast<std::size_t>(index) - 1] : as_value(status_count);
+            },
+            [=](Calc_Eq_generic& model) {
+                const bool inside = index >= 1 && index <= model.user_parameter_count();
+                return inside ? model.user_parameter(index) : as_value(status_count);
+            });
     });
 }
 
 int kzbcalcGetNumberOfUserSpecifiedParameters(KZB_CALC* handle) {
-    return set_option<with_materials>(handle, [](auto& model) { return model.user_parameter_count(); });
+    return set_option<with_materials | generic>(handle, [](auto& model) { return model.user_parameter_count(); });
 }

@@ -17,6 +17,8 @@ std::unique_ptr<Calc> create_model(const MotorType& type) {
             return std::make_unique<Calc_Eq_wfsm>();
         case reluctance:
             return std::make_unique<Calc_Eq_sr>();
+        case generic:
+            return std::make_unique<Calc_Eq_generic>();
         default:
             return nullptr;
     }

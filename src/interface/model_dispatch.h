@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "circuit/generic/calc_eq_generic.h"
 #include "interface/kzbcalc_handle.h"
 #include "interface/status.h"
 #include "models/calc_eq.h"
@@ -74,8 +75,10 @@ Result with_model(KZB_CALC* handle, Result fallback, Bodies&&... bodies) {
             return invoke_for<Calc_Eq_wfsm, types & wound_field>(model, fallback, all);
         case reluctance:
             return invoke_for<Calc_Eq_sr, types & reluctance>(model, fallback, all);
+        case generic:
+            return invoke_for<Calc_Eq_generic, types & generic>(model, fallback, all);
         default:
-            return invoke_for<Calc, types & generic>(model, fallback, all);
+            return fallback;
     }
 }
 

@@ -11,6 +11,7 @@ constexpr MotorType served[] = {
     {10005, linear_pm, "LinearSynchronous", "", 3, Travel::metres, Travel::metres},
     {10006, induction, "IM", "", 3, Travel::degrees, Travel::degrees},
     {10007, wound_field, "WFSM", "", 4, Travel::degrees, Travel::degrees},
+    {10008, generic, "ALL", "", 0, Travel::none, Travel::none},  // its ports stand in its circuit
     {10010, reluctance, "SR", "", 3, Travel::degrees, Travel::degrees},
     {10011, reluctance, "SR", "", 4, Travel::degrees, Travel::degrees},
     {10012, reluctance, "SR", "", 5, Travel::degrees, Travel::degrees},

@@ -1,5 +1,6 @@
 // Exported calls: interpolation, accuracy, skew and connection; limits of the displacement; user inputs.
 #include "KZBCalculator/kzbcalc.h"
+#include "interface/file_data.h"
 #include "interface/value_calls.h"
 
 using namespace kzb;
@@ -91,10 +92,20 @@ double kzbcalcGetLowerLimitDisplacement(KZB_CALC* handle) {
         handle, [=](Calc_Eq_solenoid&) { return get_double(*handle->store, "parameter", "DispLimitMin"); });
 }
 
-int kzbcalcSetUserInputParameter(int /*index*/, double /*value*/, KZB_CALC* handle) {
-    return set_option<generic>(handle);
+int kzbcalcSetUserInputParameter(int index, double value, KZB_CALC* handle) {
+    return set_option<generic>(handle, [=](Calc_Eq_generic& model) {
+        if (index < 1 || static_cast<std::size_t>(index) > handle->user_input.size()) {
+            return status_no_user_copperloss;
+        }
+        if (!has_loss_table(*handle) || !model.iron_loss_enabled()) {
+            return status_not_in_use;
+        }
+        handle->user_input[static_cast<std::size_t>(index) - 1] = value;
+        return 0;
+    });
 }
 
 int kzbcalcGetNumberOfUserInputParameters(KZB_CALC* handle) {
-    return set_option<generic>(handle);
+    return set_option<generic>(handle,
+                               [=](const Calc_Eq_generic&) { return static_cast<int>(handle->user_input.size()); });
 }

@@ -51,6 +51,12 @@ void bind(KZB_CALC& handle, Calc_Eq_wfsm& model) {
     model.set_pwm_frequency(handle.pwm_frequency);
 }
 
+void bind(KZB_CALC& handle, Calc_Eq_generic& model) {
+    model.apply_temperature_correction();
+    model.set_iron_loss_enabled(handle.ironloss_flag != 0);
+    model.apply_interpolation();
+}
+
 void integrate_flux(KZB_CALC& handle, Calc_Eq& model) {
     if (handle.state.size() != flux_components) {
         return;  // the data were never set
@@ -111,11 +117,33 @@ void execute(KZB_CALC& handle, Calc_Eq_wfsm& model) {
     model.step(handle.voltage.data(), handle.displacement[0], handle.time, handle.signal.data(), error);
 }
 
+// The positions of rotating parts become radians in place, at every call: a second Execute of one sample without a new
+// displacement scales twice, as established.
+void execute(KZB_CALC& handle, Calc_Eq_generic& model) {
+    for (std::size_t i = 0; i < handle.displacement.size(); ++i) {
+        if (model.motion_is_rotation(static_cast<int>(i) + 1)) {
+            handle.displacement[i] = handle.displacement[i] * std::numbers::pi / 180;
+        }
+    }
+    model.set_user_inputs(handle.user_input);
+    int status = 0;
+    model.step(handle.voltage, handle.displacement, handle.time, handle.signal, status);
+}
+
+void accept(Calc_Eq_generic& model) {
+    model.update();
+}
+
+template <class Model>
+void accept(Model& model) {
+    model.accept();
+}
+
 }  // namespace
 
 int kzbcalcSetData(KZB_CALC* handle) {
     return guarded(0, [&] {
-        return with_tables<with_phases>(handle, status_not_applicable, [=](auto& model) { bind(*handle, model); });
+        return with_tables<every_type>(handle, status_not_applicable, [=](auto& model) { bind(*handle, model); });
     });
 }
 
@@ -197,11 +225,11 @@ int kzbcalcSetSignal(int phase, int signal, KZB_CALC* handle) {
 
 int kzbcalcExecute(KZB_CALC* handle) {
     return guarded(0,
-                   [&] { return with_tables<with_phases>(handle, 0, [=](auto& model) { execute(*handle, model); }); });
+                   [&] { return with_tables<every_type>(handle, 0, [=](auto& model) { execute(*handle, model); }); });
 }
 
 int kzbcalcUpdate(KZB_CALC* handle) {
     return guarded(status_not_applicable, [&] {
-        return with_model<with_phases>(handle, status_not_applicable, [](auto& model) { model.accept(); });
+        return with_model<every_type>(handle, status_not_applicable, [](auto& model) { accept(model); });
     });
 }

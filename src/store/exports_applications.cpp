@@ -2,6 +2,7 @@
 #include "store/applications.h"
 #include "store/export_guard.h"
 #include "store/information.h"
+#include "store/information_export.h"
 #include "store/transform/transforms.h"
 
 using kzb::with_store;
@@ -105,4 +106,8 @@ int kzb_apply_skew(int type_a, int type_b, double angle_a, double angle_b, int s
 
 int kzb_expand_table_considering_phase_symmetry(KZB_STORE* handle) {
     return transform(1, handle, [](KZB_STORE& store) { return kzb::expand_table_considering_phase_symmetry(store); });
+}
+
+int kzb_export_information(KZB_STORE* handle, const char* path) {
+    return kzb::with_store(1, handle, [&](KZB_STORE& store) { return kzb::export_information(store, path); });
 }

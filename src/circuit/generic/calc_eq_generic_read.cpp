@@ -3,7 +3,7 @@
 #include <boost/make_shared.hpp>
 
 #include "circuit/generic/calc_eq_generic.h"
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 
 namespace kzb {
 namespace {

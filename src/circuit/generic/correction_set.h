@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "circuit/generic/expression.h"
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 
 namespace kzb {
 

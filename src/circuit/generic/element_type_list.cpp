@@ -1,7 +1,7 @@
 #include <boost/make_shared.hpp>
 
 #include "circuit/generic/generic_circuit.h"
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 
 namespace kzb {
 namespace {

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "circuit/generic/fem_table_model.h"
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 #include "models/environment.h"
 
 namespace kzb {

@@ -2,7 +2,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 
 namespace kzb {
 namespace {

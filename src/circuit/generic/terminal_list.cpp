@@ -2,7 +2,7 @@
 #include <map>
 
 #include "circuit/generic/generic_circuit.h"
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 
 namespace kzb {
 namespace {

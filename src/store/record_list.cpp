@@ -1,4 +1,4 @@
-#include "circuit/generic/record_list.h"
+#include "store/record_list.h"
 
 #include <algorithm>
 
