@@ -60,7 +60,7 @@ tidy: deps
 	run-clang-tidy -quiet -p build/dev 'src/.*'
 
 clang: deps
-	cmake -S . -B build/clang -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+	cmake -S . -B build/clang -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
 	  -DKZB_BUILD_TESTS=OFF -DKZB_BUILD_BENCH=OFF
 	cmake --build build/clang
 

@@ -19,10 +19,11 @@ WANTED_LOOKUP.update({
     ("Spline6", 3): {"bare": 3.0},
     ("Spline", 3): {"bare": 5.0},
 })
-WANTED_STEP = {("Harmonic", "Linear"): 6.0, ("Harmonic", "Cubic"): 4.0}
+WANTED_STEP = {("Harmonic", "Linear"): 6.0, ("Harmonic", "Cubic"): 4.0, ("WFSM", "Linear"): 8.0, ("WFSM", "Cubic"): 8.0}
+WANTED_STEP.update({("IM", scheme): 5.0 for scheme in ("Linear", "Cubic")})
 
 SCHEMES = ("Linear", "Cubic", "Spline4", "Spline6", "Spline")
-APPLICATIONS = ("Harmonic", "SimpleHarmonic", "LdLq", "FluxIntegralDQTheta")
+APPLICATIONS = ("Harmonic", "SimpleHarmonic", "LdLq", "FluxIntegralDQTheta")  # of the permanent-magnet machine
 WAYS = ("exported", "models", "bare", "clocks")
 
 
@@ -103,7 +104,8 @@ def compare_lookups(times, verdicts):
 
 def compare_steps(times, verdicts):
     lines = [["step", "product", "bare", "ratio", "wanted", "clocks", "ratio"]]
-    for application in APPLICATIONS:
+    others = {name.split("/")[1] for name in times if name.startswith("step/")} - set(APPLICATIONS)
+    for application in APPLICATIONS + tuple(sorted(others)):
         for scheme in SCHEMES:
             case = f"step/{application}/{scheme}"
             product, bare, clocks = (times.get(f"{case}/{way}") for way in ("exported", "bare", "clocks"))
@@ -112,7 +114,7 @@ def compare_steps(times, verdicts):
             lines.append([f"{application}, {scheme}", readable(product), readable(bare)]
                          + verdicts.speed(product, bare, WANTED_STEP.get((application, scheme)))
                          + [readable(clocks)] + verdicts.speed(product, clocks, None)[:1])
-    print_table("One step of a permanent-magnet machine", lines)
+    print_table("One step of a machine; _random: at positions that jump", lines)
 
 
 def compare_loads(times, verdicts):

@@ -39,9 +39,13 @@ here=$(dirname "$0")
 results=$build/bench-results
 mkdir -p "$results"
 set --
-for pair in lookup:table_lookup step:pmsm_step load:store_load; do
-    subject=${pair%%:*}
-    program=${pair#*:}
+steps=$(cd "$here" && ls -- *_step.cpp | sed 's/\.cpp$//')
+for program in table_lookup $steps store_load; do
+    case $program in
+        table_lookup) subject=lookup ;;
+        store_load) subject=load ;;
+        *) subject=step ;;
+    esac
     if [ -n "$only" ] && [ "$only" != "$subject" ]; then
         continue
     fi

@@ -47,7 +47,8 @@ typedef struct KZB_CALC KZB_CALC;
  * @return     0, or a status.
  *
  * Errors:  180002 file not readable, 180001 motor type not accepted, 180030 calc_mode not 1 or 2, tested in this
- *          order; 180039 for a null `out`.
+ *          order; then 180001 for a generic model whose circuit can't be executed (an element without its type or a
+ *          terminal, a source without a port, a number out of range); 180039 for a null `out`.
  * Threads: handles may be opened and used on different threads.
  * Cost:    reads the file's categories and the tables of the chosen application; allocates.
  */
@@ -176,7 +177,8 @@ KZB_API int kzbcalcSetCurrent(int phase, double current, KZB_CALC* handle);
  *
  * @param[in]  phase  phase, from 1; 1 to 3 for 10000, 10005, 10006 and 10010, 1 to 4 for 10003, 10007 and 10011, 1
  *                    for 10004, 1 to 5 for 10012.
- * @param[in]  signal  0 floats, any other value applies the voltage; 1 at start.
+ * @param[in]  signal  0 floats, 1 and above apply the voltage; 1 at start. Below 0 a port of 10003, 10004 and 10010 to
+ *                     10012 floats, one of the other types is applied; 10006 is driven whatever its signals are.
  * @param[in]  handle  calculator; null gives 180039.
  * @return     0, or a status.
  *
@@ -190,15 +192,18 @@ KZB_API int kzbcalcSetSignal(int phase, int signal, KZB_CALC* handle);
  * One step from the accepted state to the present time. May be called any number of times in a sample;
  * kzbcalcUpdate alone accepts. Two kinds of model keep an integrated state that every call moves on: 10000 with flux
  * integration, by the time since the sample before, and 10006 with the higher-accuracy data, by the step of
- * kzbcalcSetStepSize; their results belong to the state after and before the move.
+ * kzbcalcSetStepSize; their results belong to the state after and before the move. A generic model, 10008, solves
+ * nothing before the first kzbcalcUpdate nor while no time has passed, and takes the displacements of its rotating
+ * motions for degrees at every call: set them anew before each.
  *
  * @param[in]  handle  calculator; null is ignored.
  * @return     always 0; a failed step shows as unchanged currents.
  *
  * Errors:  none.
  * Threads: one handle per thread; handles are independent.
- * Cost:    table lookups and one solve of a few unknowns, for 10007 up to 200 times; no allocation after the first
- * samples, no lock; writes files only with DORN_KZ_DEBUG_OUTPUT set.
+ * Cost:    table lookups and one solve of a few unknowns, for 10007 up to 200 times and for 10008, with the unknowns of
+ * its circuit, up to 50 times; no allocation after the first samples, no lock; writes files only with
+ * DORN_KZ_DEBUG_OUTPUT set.
  */
 KZB_API int kzbcalcExecute(KZB_CALC* handle);
 
@@ -918,7 +923,8 @@ KZB_API int kzbcalcSetUserCopperlossCalc(KZB_CALC* handle);
 KZB_API int kzbcalcCheckUserCopperloss(KZB_CALC* handle);
 
 /**
- * Frequency of the pulse width modulation.
+ * Frequency of the pulse width modulation; before kzbcalcSetData. From then on the iron loss of 10007, where it is on,
+ * sees the terminal voltages filtered while the machine turns forward, whatever the frequency is.
  *
  * @param[in]  frequency  (Hz), not tested.
  * @param[in]  handle  calculator; null gives 180039.
@@ -1008,7 +1014,7 @@ KZB_API int kzbcalcCheckInductionMotorInductanceType(KZB_CALC* handle);
 KZB_API int kzbcalcSetStepSize(double step_size, KZB_CALC* handle);
 
 /**
- * Slip frequency.
+ * Slip frequency, set.
  *
  * @param[in]  frequency  (Hz), any finite value.
  * @param[in]  handle  calculator; null gives 180039.
@@ -1021,7 +1027,7 @@ KZB_API int kzbcalcSetStepSize(double step_size, KZB_CALC* handle);
 KZB_API int kzbcalcSetSlipFrequency(double frequency, KZB_CALC* handle);
 
 /**
- * Slip frequency.
+ * Slip frequency, read.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (Hz), or a status as a number.
@@ -1033,7 +1039,7 @@ KZB_API int kzbcalcSetSlipFrequency(double frequency, KZB_CALC* handle);
 KZB_API double kzbcalcGetSlipFrequency(KZB_CALC* handle);
 
 /**
- * Resistance of the secondary side.
+ * Resistance of the secondary side in place of the file's.
  *
  * @param[in]  resistance  (Ohm), above 0.
  * @param[in]  handle  calculator; null gives 180039.
@@ -1047,7 +1053,7 @@ KZB_API double kzbcalcGetSlipFrequency(KZB_CALC* handle);
 KZB_API int kzbcalcSetSecondaryResistance(double resistance, KZB_CALC* handle);
 
 /**
- * Resistance of the secondary side.
+ * Resistance of the secondary side at the temperature of the last step.
  *
  * @param[in]  handle  calculator; null gives 180039.0.
  * @return     (Ohm), or a status as a number.

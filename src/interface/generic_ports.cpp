@@ -1,9 +1,8 @@
 // Exported calls of the generic model: its ports, counted and labelled.
 #include "interface/generic_ports.h"
 
-#include <algorithm>
-#include <boost/algorithm/string/replace.hpp>
-#include <string>
+#include <charconv>
+#include <cstring>
 
 #include "KZBCalculator/kzbcalc.h"
 #include "interface/file_data.h"
@@ -12,14 +11,21 @@ using namespace kzb;
 
 namespace kzb {
 
+// The longest pattern with two numbers of ten digits has room.
 void write_label(const char* pattern, int number, char* buffer) {
     if (buffer == nullptr) {
         return;
     }
-    const std::string label = boost::replace_all_copy(std::string(pattern), "%d", std::to_string(number));
-    const std::size_t length = std::min(label.size(), static_cast<std::size_t>(label_size - 1));
-    std::copy_n(label.begin(), length, buffer);
-    buffer[length] = '\0';
+    char* const end = buffer + label_size - 1;
+    while (*pattern != '\0' && buffer != end) {
+        if (std::strncmp(pattern, "%d", 2) == 0) {
+            buffer = std::to_chars(buffer, end, number).ptr;
+            pattern += 2;
+        } else {
+            *buffer++ = *pattern++;
+        }
+    }
+    *buffer = '\0';
 }
 
 int group_count(const KZB_CALC& handle, const GenericModel& model, GroupCode code) {
@@ -72,7 +78,7 @@ namespace {
 template <std::size_t groups>
 int get_labels(const LabelledGroup (&list)[groups], int ports, char** labels, int size, const KZB_CALC& handle,
                const GenericModel& model) {
-    if (size / label_size < ports || (labels == nullptr && ports > 0)) {
+    if (size < static_cast<long long>(label_size) * ports || (labels == nullptr && ports > 0)) {
         return status_port_id;
     }
     write_labels(list, handle, model, labels);

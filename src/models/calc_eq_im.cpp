@@ -84,9 +84,12 @@ void Calc_Eq_im_transient::execute(const double* voltages, double displacement, 
         step_voltage_driven(voltages, displacement, time, signals);
         return;
     }
+    // Between the two nothing touches tables or method: the derivative stands at the point of the observation.
+    tables_.last_point.open();
     observe_state(time, displacement, state);
     double derivative[4];
     voltage_derivative(voltages, time, displacement, derivative, state);
+    tables_.last_point.close();
     for (std::size_t i = 0; i < 4; ++i) {
         state[i] = state[i] + derivative[i] * step_size;
     }
@@ -100,9 +103,11 @@ double Calc_Eq_im_transient::torque_from_currents(const double* currents, double
     }
     const TwoAxis primary = clarke(currents[0], currents[1], currents[2]);
     const double x[4] = {primary.alpha, primary.beta, state[0], state[1]};
+    tables_.last_point.open();
     observe_state(time, displacement, x);
     double derivative[4];
     current_derivative(currents, time, displacement, derivative, state);
+    tables_.last_point.close();
     for (std::size_t i = 0; i < 4; ++i) {
         state[i] = state[i] + derivative[i] * step_size;
     }

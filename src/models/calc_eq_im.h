@@ -172,6 +172,7 @@ class Calc_Eq_im_transient : public Calc {
     void start_step(double time, double displacement);
     void update_parameters();
     void update_from_tables();
+    void look_up_parameters(const double* point);
     void hold_secondary_resistance();
     double secondary_factor() const;
     double equivalent_resistance();

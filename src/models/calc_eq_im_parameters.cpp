@@ -4,7 +4,9 @@
 // frequency|, |speed| Hz, DC voltage, carrier frequency). A lookup that fails is not noticed here: what it yields runs
 // through the arithmetic.
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include "models/calc_eq_im.h"
 #include "models/calc_eq_im_parameter_file.h"
@@ -15,7 +17,9 @@ namespace kzb {
 void Calc_Eq_im_transient::start_step(double time, double displacement) {
     step_.time = time;
     step_.theta = theta_of(displacement);
-    at_theta_ = RotorAngles(step_.theta);
+    if (std::bit_cast<std::uint64_t>(step_.theta) != std::bit_cast<std::uint64_t>(at_theta_.angle)) {
+        at_theta_ = RotorAngles(step_.theta);
+    }
 }
 
 void Calc_Eq_im_transient::update_parameters() {
@@ -38,15 +42,28 @@ void Calc_Eq_im_transient::update_from_tables() {
         hold_secondary_resistance();
     }
     const double point[2] = {slip_frequency(), step_.primary_current};
+    if (!tables_.last_point.repeat(*store_, point)) {
+        look_up_parameters(point);
+    }
+    // Once per call: a sample with tables, which is observed and then derived, advances the angle twice, as
+    // established.
+    step_.flux_angle += (electrical_speed() + step_.slip_omega) * (step_.time - step_.time_prev);
+}
+
+void Calc_Eq_im_transient::look_up_parameters(const double* point) {
     ImInductances& l = step_.inductances;
+    double& r2 = resistances_.Rr_base;
+    tables_.last_point.begin(*store_);
     l.m_Ls = tables_.l11.at(*store_, method(), point, 2);
     l.m_Msr = tables_.m12.at(*store_, method(), point, 2);
     l.m_Mrs = tables_.m21.at(*store_, method(), point, 2);
     l.m_Lr = tables_.l22.at(*store_, method(), point, 2);
-    resistances_.Rr_base = tables_.r2.at(*store_, method(), point, 2);
-    // Once per call: a sample with tables, which is observed and then derived, advances the angle twice, as
-    // established.
-    step_.flux_angle += (electrical_speed() + step_.slip_omega) * (step_.time - step_.time_prev);
+    r2 = tables_.r2.at(*store_, method(), point, 2);
+    // A lookup that formed no value has printed why.
+    constexpr double limit = 1e100;
+    const bool formed = std::fabs(l.m_Ls) < limit && std::fabs(l.m_Msr) < limit && std::fabs(l.m_Mrs) < limit &&
+                        std::fabs(l.m_Lr) < limit && std::fabs(r2) < limit;
+    tables_.last_point.end(*store_, point, formed && tables_.plain(*store_));
 }
 
 // With constants the table follows the resistance, so that one that the caller has set stays in force. Values alone

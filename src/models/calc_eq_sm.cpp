@@ -98,10 +98,11 @@ void Calc_Eq_sm::update_inductance(double angle) {
     const double i_b = difference(circuit_.current_prev, 2);
     for (std::size_t r = 0; r < coils; ++r) {
         phase_current_memo_ = r < 2 ? i_a : i_b;
+        const double point[2] = {std::fabs(phase_current_memo_), angle};
+        double* const row = circuit_.inductance.data() + r * coils;
+        tables_.inductance.components(*store_, method(), point, 2, {int{coils}, static_cast<int>(r), int{coils}}, row);
         for (std::size_t c = 0; c < coils; ++c) {
-            const double point[3] = {std::fabs(phase_current_memo_), angle, static_cast<double>(coils * c + r)};
-            circuit_.inductance[r * coils + c] =
-                tables_.inductance.at(*store_, method(), point, 3) * corrections_.correction_inductance;
+            row[c] *= corrections_.correction_inductance;
         }
     }
 }

@@ -68,15 +68,20 @@ double Calc_Eq_sr::angle() const {
     return position_ * 180.0 / 3.141592653589793;
 }
 
-// Tables store the matrix by columns: element n * c + r stands at row r, column c.
+// Tables store the matrix by columns: element n * c + r stands at row r, column c. A row sees the current of its phase.
+void Calc_Eq_sr::look_up_row(const Method& method, std::size_t r, double current, double angle, double* row) {
+    const int n = circuit_.element_count;
+    const double point[2] = {std::fabs(current * corrections_.turns2), angle};
+    tables_.inductance.components(*store_, method, point, 2, {n, static_cast<int>(r), n}, row);
+}
+
 void Calc_Eq_sr::update_inductance(double angle) {
     const std::size_t n = circuit_.current_prev.size();
     for (std::size_t r = 0; r < n; ++r) {
-        const double amplitude = std::fabs(circuit_.current_prev[r] * corrections_.turns2);
+        double* const row = circuit_.inductance.data() + r * n;
+        look_up_row(method(), r, circuit_.current_prev[r], angle, row);
         for (std::size_t c = 0; c < n; ++c) {
-            const double point[3] = {amplitude, angle, static_cast<double>(n * c + r)};
-            circuit_.inductance[r * n + c] =
-                tables_.inductance.at(*store_, method(), point, 3) * corrections_.correction_inductance;
+            row[c] *= corrections_.correction_inductance;
         }
     }
 }
@@ -100,12 +105,11 @@ void Calc_Eq_sr::update_flux(double angle) {
     const std::vector<double>& current = circuit_.current;
     const std::size_t n = current.size();
     for (std::size_t r = 0; r < n; ++r) {
-        const double amplitude = std::fabs(current[r] * corrections_.turns2);
+        double row[CoilCircuit::most_coils];
+        look_up_row(tables_.linear, r, current[r], angle, row);
         double sum = 0.0;
         for (std::size_t c = 0; c < n; ++c) {
-            const double point[3] = {amplitude, angle, static_cast<double>(n * c + r)};
-            sum += tables_.inductance.at(*store_, tables_.linear, point, 3) * corrections_.correction_inductance *
-                   current[c];
+            sum += row[c] * corrections_.correction_inductance * current[c];
         }
         flux_[r] = sum;
     }

@@ -48,6 +48,7 @@ class Calc_Eq_sr : public CoilMachine {
     };
 
     double angle() const;
+    void look_up_row(const Method& method, std::size_t r, double current, double angle, double* row);
     void update_inductance(double angle);
     void update_torque(double angle);
     void update_flux(double angle);

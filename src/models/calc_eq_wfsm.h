@@ -31,8 +31,6 @@
 
 namespace kzb {
 
-class WindingSolver;
-
 class Calc_Eq_wfsm : public Calc {
   public:
     // Error numbers of `step`: indices of the message table.
@@ -183,7 +181,7 @@ class Calc_Eq_wfsm : public Calc {
     bool iterate(const Drive& drive, const PhaseAngles& at, bool& ok, int& error);
     double relax(const WfsmCoils& x);
     bool solve_currents(const Drive& drive, const WfsmCoils& x, const PhaseAngles& at, bool& ok, int& error);
-    bool take_solution(const WindingSolver& solver, const WfsmCoils& e, const PhaseAngles& at, int& error);
+    bool solve_network(const Drive& drive, const WfsmCoils& e, const WfsmCoils& x, bool& ok, int& error);
     static bool all_finite(const double* values, std::size_t count, int& error);
     bool finish_currents(const Drive& drive, const PhaseAngles& at, int& error);
     void take_polar_current(const PhaseAngles& at);

@@ -141,17 +141,34 @@ double Calc_Eq_wfsm::relax(const WfsmCoils& x) {
     return change;
 }
 
+// The currents of one pass, not yet relaxed: those of the solve, or the accepted ones where there is nothing to solve.
 bool Calc_Eq_wfsm::solve_currents(const Drive& drive, const WfsmCoils& x, const PhaseAngles& at, bool& ok, int& error) {
     WfsmStep& s = step_;
+    WfsmCoils e{};
     if (drive.dt <= 0.0 || s.step_count == 1) {
         s.current = s.current_previous;
-        s.induced = WfsmCoils{};
-        return true;
+    } else {
+        for (std::size_t k = 0; k < 4; ++k) {
+            e[k] = (s.flux[k] - s.flux_previous[k]) / drive.dt;
+        }
+        if (!solve_network(drive, e, x, ok, error)) {
+            return false;
+        }
     }
-    WfsmCoils e;
-    for (std::size_t k = 0; k < 4; ++k) {
-        e[k] = (s.flux[k] - s.flux_previous[k]) / drive.dt;
+    const std::size_t terminals = network_.terminals.size();
+    // Without a network nothing is induced.
+    s.induced = terminals == delta_terminals || terminals == star_terminals ? e : WfsmCoils{};
+    if (terminals == delta_terminals) {
+        // A delta's circulating current is not part of tables over two armature axes. Accepted currents lose theirs as
+        // solved ones do.
+        const Phases i = wfsm::inverse_park(wfsm::park(wfsm::armature(s.current), at), at);
+        s.current = {i[0], i[1], i[2], s.current[3]};
     }
+    return true;
+}
+
+bool Calc_Eq_wfsm::solve_network(const Drive& drive, const WfsmCoils& e, const WfsmCoils& x, bool& ok, int& error) {
+    WfsmStep& s = step_;
     constexpr WfsmCoils no_leakage{};
     WindingInput in;
     in.voltages = drive.voltages.data();
@@ -164,11 +181,6 @@ bool Calc_Eq_wfsm::solve_currents(const Drive& drive, const WfsmCoils& x, const 
     in.leakage = no_leakage.data();
     WindingSolver solver(network_);
     ok = solver.solve_emf_form(in);
-    return take_solution(solver, e, at, error);
-}
-
-bool Calc_Eq_wfsm::take_solution(const WindingSolver& solver, const WfsmCoils& e, const PhaseAngles& at, int& error) {
-    WfsmStep& s = step_;
     const double* const solution = solver.solution();
     const std::size_t elements = solver.element_count();
     if (!all_finite(solution, elements, error)) {
@@ -177,15 +189,8 @@ bool Calc_Eq_wfsm::take_solution(const WindingSolver& solver, const WfsmCoils& e
     for (std::size_t k = 0; k < elements && k < 4; ++k) {
         s.current[k] = solution[k];
     }
-    s.induced = e;
-    if (solver.terminal_count() == delta_terminals) {
-        // A delta's circulating current is not part of tables over two armature axes.
-        const Phases i = wfsm::inverse_park(wfsm::park(wfsm::armature(s.current), at), at);
-        s.current = {i[0], i[1], i[2], s.current[3]};
-    } else if (solver.terminal_count() == star_terminals) {
+    if (solver.terminal_count() == star_terminals) {
         s.neutral_voltage = solution[elements + 4];
-    } else {
-        s.induced = WfsmCoils{};
     }
     return true;
 }

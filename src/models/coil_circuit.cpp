@@ -4,6 +4,7 @@
 #include <array>
 
 #include "circuit/winding_solver.h"
+#include "models/coil_solve.h"
 #include "models/first_step.h"
 #include "models/history.h"
 
@@ -18,7 +19,7 @@ std::size_t place_of(const std::vector<double>& values, int phase) {
 }  // namespace
 
 void CoilCircuit::build(int pattern) {
-    network.build(pattern, R_base, 0.0);
+    build_network(pattern, R_base);
     const std::size_t n = network.elements.size();
     element_count = static_cast<int>(n);
     phase_count = element_count;
@@ -28,6 +29,19 @@ void CoilCircuit::build(int pattern) {
     initial_set.resize(n, 0);
     inductance.resize(n * n, 0.0);
     inductance_prev.resize(n * n, 0.0);
+    take_resistances();
+}
+
+void CoilCircuit::build_network(int pattern, double resistance) {
+    network.build(pattern, resistance, 0.0);
+    network_R = resistance;
+    take_resistances();
+}
+
+void CoilCircuit::take_resistances() {
+    for (std::size_t k = 0; k < element_resistance.size(); ++k) {
+        element_resistance[k] = network.resistance_of(static_cast<int>(k) + 1);
+    }
 }
 
 void CoilCircuit::set_initial_current(int phase, double ampere) {
@@ -65,9 +79,8 @@ double CoilCircuit::inductance_element(int row, int column) const {
 void CoilCircuit::begin(double new_time, double coil_factor) {
     time = new_time;
     R = coil_factor * R_base;
-    network.build(network.pattern, R, 0.0);
-    for (std::size_t k = 0; k < element_resistance.size(); ++k) {
-        element_resistance[k] = network.resistance_of(static_cast<int>(k) + 1);
+    if (!(R == network_R)) {
+        build_network(network.pattern, R);
     }
     if (first_step()) {
         forget_unset_start(initial_set, current_prev, initial_time_set, time_prev);
@@ -81,6 +94,27 @@ void CoilCircuit::keep_first_inductance() {
 }
 
 void CoilCircuit::solve(const double* voltages, const double* signals) {
+    if (!solve_driven(voltages, signals)) {
+        solve_network(voltages, signals);
+    }
+}
+
+bool CoilCircuit::solve_driven(const double* voltages, const double* signals) {
+    const std::size_t n = current.size();
+    const bool all_driven = std::all_of(signals, signals + n, [](double signal) { return signal > 0.0; });
+    std::array<double, most_solved_coils> solved{};
+    if (!all_driven || !solve_driven_coils({n, dt(), voltages, element_resistance.data(), inductance.data(),
+                                            inductance_prev.data(), current_prev.data()},
+                                           solved.data())) {
+        return false;
+    }
+    // What leaves a first terminal is the current of its one coil.
+    std::copy_n(solved.begin(), n, current.begin());
+    std::copy_n(solved.begin(), n, current_out.begin());
+    return true;
+}
+
+void CoilCircuit::solve_network(const double* voltages, const double* signals) {
     constexpr std::size_t most_ports = 2 * most_coils;
     static constexpr std::array<double, most_coils> zeros{};
     std::array<double, most_ports> port_voltages{};

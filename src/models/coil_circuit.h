@@ -60,6 +60,13 @@ struct CoilCircuit {
     // Sum over c of m[row][c] * i[c].
     double row_times(const std::vector<double>& m, std::size_t row, const std::vector<double>& i) const;
     void accept();
+
+  private:
+    double network_R = 0.0;  // Ohm, what `network` was built with
+    void build_network(int pattern, double resistance);
+    void take_resistances();
+    bool solve_driven(const double* voltages, const double* signals);
+    void solve_network(const double* voltages, const double* signals);
 };
 
 }  // namespace kzb

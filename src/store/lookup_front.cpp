@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "diagnostics/number_text.h"
+#include "store/lookup_watch.h"
 #include "table/stopwatch.h"
 
 namespace kzb {
@@ -39,13 +40,21 @@ class Coordinates {
     double* data_ = small_.data();
 };
 
+// Of a lookup that ended with a status above 0.
+void keep_status(KZB_STORE& store, const KZB_TABLE* table, int code, const double* coordinates, int count) {
+    store.error = code;
+    if (LookupWatch* const watch = lookup_watch(); watch != nullptr && table != nullptr) {
+        watch->left_table(store, *table, coordinates, count);
+    }
+}
+
 double scheme_value(KZB_STORE& store, bool category_exists, const KZB_TABLE* table, Scheme scheme,
                     const double* coordinates) {
     double result = KZB_NO_VALUE;
     if (category_exists) {
         const int code = table_lookup(scheme, table, coordinates, result, store.timing, store.switches);
         if (code > 0) {
-            store.error = code;
+            keep_status(store, table, code, coordinates, table == nullptr ? 0 : table->dim);
         }
     }
     return result;
@@ -120,35 +129,35 @@ double TableRef::at(KZB_STORE& store, const Method& method, const double* values
     return look_up(store, current(store), method.scheme, names, values, count);
 }
 
-bool TableRef::components_together(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
-                                   double* results) {
+bool TableRef::components_together(KZB_STORE& store, const Method& method, const double* values, int leading,
+                                   const ComponentRange& range, double* results) {
     const KZB_TABLE* const table = current(store).table;
     if (table == nullptr || table->dim != leading + 1 || store.keep_time) {
         return false;
     }
-    std::fill(results, results + count, KZB_NO_VALUE);
+    std::fill(results, results + range.count, KZB_NO_VALUE);
     const int code =
-        table_lookup_components(method.scheme, table, values, count, results, store.timing, store.switches);
+        table_lookup_components(method.scheme, table, values, range, results, store.timing, store.switches);
     if (code > 0) {
-        store.error = code;
+        keep_status(store, table, code, values, leading);
     }
     return true;
 }
 
-void TableRef::components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
-                          double* results) {
+void TableRef::components(KZB_STORE& store, const Method& method, const double* values, int leading,
+                          const ComponentRange& range, double* results) {
     // A fold moves each component's position differently, a debug line belongs to a single lookup.
     if (!current(store).fold.active && !store.debug_lines &&
-        components_together(store, method, values, leading, count, results)) {
+        components_together(store, method, values, leading, range, results)) {
         return;
     }
     constexpr int most_leading = 7;
     std::array<double, most_leading + 1> point{};
     leading = std::min(leading, most_leading);
     std::copy(values, values + leading, point.begin());
-    for (int component = 0; component < count; ++component) {
-        point[static_cast<std::size_t>(leading)] = component;
-        results[component] = at(store, method, point.data(), leading + 1);
+    for (int k = 0; k < range.count; ++k) {
+        point[static_cast<std::size_t>(leading)] = range.at(k);
+        results[k] = at(store, method, point.data(), leading + 1);
     }
 }
 

@@ -58,9 +58,9 @@ class TableRef {
 
     // What kzb_get_table_interpolated_value gives at values[0..count-1]; axes beyond `count` see 0.0.
     double at(KZB_STORE& store, const Method& method, const double* values, int count);
-    // `count` lookups at values[0..leading-1] and a last coordinate 0, 1 .. count - 1; axes beyond see 0.0.
-    void components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
-                    double* results);
+    // Lookups at values[0..leading-1] and the numbers of `range` as last coordinate; axes beyond see 0.0.
+    void components(KZB_STORE& store, const Method& method, const double* values, int leading,
+                    const ComponentRange& range, double* results);
 
     // The same as the lookup of subcategories gives them.
     double plain_at(KZB_STORE& store, const Method& method, const double* values, int count);
@@ -70,8 +70,8 @@ class TableRef {
   private:
     // All components in one search, where the table has them as its last axis and no single lookup has to be told
     // apart.
-    bool components_together(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
-                             double* results);
+    bool components_together(KZB_STORE& store, const Method& method, const double* values, int leading,
+                             const ComponentRange& range, double* results);
     const ResolvedTable& current(const KZB_STORE& store) {
         if (resolved_.revision != store.revision) {
             resolved_ = resolve_table(store, category_, key_);

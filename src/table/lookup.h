@@ -50,11 +50,22 @@ Scheme scheme_of(const char* method);
 int table_lookup(Scheme scheme, const KZB_TABLE* table, const double* coordinates, double& result, double* timing,
                  const LookupSwitches& switches);
 
-// `count` lookups that differ in the last coordinate alone, 0, 1 .. count - 1: results, counters and messages are those
-// of `count` single lookups in this order, the axes are searched once where that is possible. `coordinates` holds
+// The coordinates first, first + stride .. of `count` components along a last axis; a plain number means all from 0 on.
+struct ComponentRange {
+    // NOLINTNEXTLINE(google-explicit-constructor)
+    constexpr ComponentRange(int components, int from = 0, int by = 1) : count(components), first(from), stride(by) {}
+    constexpr int at(int k) const { return first + k * stride; }
+    int count;
+    int first;
+    int stride;
+};
+
+// Lookups that differ in the last coordinate alone, which takes the numbers of `range`: results, counters and messages
+// are those of single lookups in this order, the axes are searched once where that is possible. `coordinates` holds
 // dim - 1 numbers. Returns the last status above 0, else the last status.
-int table_lookup_components(Scheme scheme, const KZB_TABLE* table, const double* coordinates, int count,
-                            double* results, double* timing, const LookupSwitches& switches);
+int table_lookup_components(Scheme scheme, const KZB_TABLE* table, const double* coordinates,
+                            const ComponentRange& range, double* results, double* timing,
+                            const LookupSwitches& switches);
 
 // Coordinates brought into the period of each cyclic axis; false when a coordinate has no place there (the addition of
 // periods would never end), the lookup then yields KZB_NO_VALUE.

@@ -235,8 +235,8 @@ bool look_up(BlockScheme scheme, const double* coordinates, StraightResult& out,
     return true;
 }
 
-bool look_up_components(BlockScheme scheme, const double* coordinates, int count, double* results, int& status,
-                        double* timing, bool measure_time) {
+bool look_up_components(BlockScheme scheme, const double* coordinates, const ComponentRange& range, double* results,
+                        int& status, double* timing, bool measure_time) {
     const ProcessWatch gather_watch(measure_time);
     const MillisecondWatch core_watch(measure_time);
     const std::size_t last = scheme.table.axes.size() - 1;
@@ -248,14 +248,14 @@ bool look_up_components(BlockScheme scheme, const double* coordinates, int count
         }
     }
     BlockScheme calls{scheme.table};
-    for (int k = 0; k < count; ++k) {
+    for (int k = 0; k < range.count; ++k) {
         // The last axis alone differs: all else is put back before it is added.
         const double* const base = plan.base;
         const int steps = plan.steps;
         const int leading_status = plan.status;
         const unsigned doubled = plan.doubled;
         BlockScheme single = scheme;
-        if (!single.add_axis(last, static_cast<double>(k), plan)) {
+        if (!single.add_axis(last, static_cast<double>(range.at(k)), plan)) {
             return false;
         }
         results[k] = evaluate(plan);
@@ -292,15 +292,16 @@ bool straight_local_spline(const KZB_TABLE& table, const double* coordinates, in
            look_up(scheme_of_width(table, width, switches), coordinates, out, timing, switches.measure_time);
 }
 
-bool straight_cubic_components(const KZB_TABLE& table, const double* coordinates, int count, double* results,
-                               int& status, double* timing, const LookupSwitches& switches) {
-    return is_straight(table) && look_up_components(scheme_of_width(table, 0, switches), coordinates, count, results,
+bool straight_cubic_components(const KZB_TABLE& table, const double* coordinates, const ComponentRange& range,
+                               double* results, int& status, double* timing, const LookupSwitches& switches) {
+    return is_straight(table) && look_up_components(scheme_of_width(table, 0, switches), coordinates, range, results,
                                                     status, timing, switches.measure_time);
 }
 
-bool straight_local_spline_components(const KZB_TABLE& table, const double* coordinates, int width, int count,
-                                      double* results, int& status, double* timing, const LookupSwitches& switches) {
-    return is_straight(table) && look_up_components(scheme_of_width(table, width, switches), coordinates, count,
+bool straight_local_spline_components(const KZB_TABLE& table, const double* coordinates, int width,
+                                      const ComponentRange& range, double* results, int& status, double* timing,
+                                      const LookupSwitches& switches) {
+    return is_straight(table) && look_up_components(scheme_of_width(table, width, switches), coordinates, range,
                                                     results, status, timing, switches.measure_time);
 }
 

@@ -271,62 +271,70 @@ bool plan_leading(const KZB_TABLE& table, const double* x, std::size_t last, boo
     return true;
 }
 
-// Whether the last axis holds the nodes 0, 1 .. count - 1 and goes on ascending: each component then lies on its node,
-// at the upper end of the segment below it, and the stored column is the value.
-bool counts_components(const KZB_TABLE& table, std::size_t last, int count) {
+// Whether the last axis ascends and the components lie on the nodes of their numbers, at the upper end of a segment of
+// width 1: the stored column is the value.
+bool counts_components(const KZB_TABLE& table, std::size_t last, const ComponentRange& range) {
     const int rows = table.sizes[last];
     const double* nodes = table.axes[last].data();
-    if (nodes == nullptr || table.cyclic[last] >= 1 || rows < 2 || rows < count) {
+    if (nodes == nullptr || table.cyclic[last] >= 1 || rows < 2) {
         return false;
     }
     AxisMemo& memo = table.memos[last];
     if (memo.order == AxisMemo::Order::unknown) {
         memo.order = order_of(nodes, rows);
     }
-    for (int k = 0; k < count; ++k) {
-        if (nodes[k] != static_cast<double>(k)) {
+    if (memo.order != AxisMemo::Order::ascending) {
+        return false;
+    }
+    for (int k = 0; k < range.count; ++k) {
+        const int node = range.at(k);
+        if (node < 0 || node >= rows || nodes[node] != static_cast<double>(node) ||
+            (node > 0 && nodes[node - 1] != static_cast<double>(node - 1))) {
             return false;
         }
     }
-    // With one component the first segment ends at a node of any kind: one of no width is no ordinary one.
-    return memo.order == AxisMemo::Order::ascending && !(nodes[1] - nodes[0] < KZB_AXIS_TOL);
+    // Component 0 lies on the lower end of a segment that ends at a node of any kind: one of no width is no ordinary
+    // one.
+    return !(nodes[1] - nodes[0] < KZB_AXIS_TOL);
 }
 
-// Two components at a time, as lanes: they lie side by side.
+// Two components at a time, as lanes.
 template <int Active>
-void reduce_components(const LinearPlan& plan, int count, double* results) {
+void reduce_components(const LinearPlan& plan, const ComponentRange& range, double* results) {
+    const double* base = plan.base + range.first;
+    const std::ptrdiff_t apart = range.stride;
     int k = 0;
-    for (; k + 1 < count; k += 2) {
-        const LanePair y = column<Active - 1>(plan, plan.base + k, 1);
+    for (; k + 1 < range.count; k += 2, base += 2 * apart) {
+        const LanePair y = column<Active - 1>(plan, base, apart);
         results[k] = y[0];
         results[k + 1] = y[1];
     }
-    if (k < count) {
-        results[k] = column<Active - 1>(plan, plan.base + k, 0)[0];
+    if (k < range.count) {
+        results[k] = column<Active - 1>(plan, base, 0)[0];
     }
 }
 
-void evaluate_components(const LinearPlan& plan, int count, double* results) {
+void evaluate_components(const LinearPlan& plan, const ComponentRange& range, double* results) {
     switch (plan.active) {
         case 0:
-            return reduce_components<0>(plan, count, results);
+            return reduce_components<0>(plan, range, results);
         case 1:
-            return reduce_components<1>(plan, count, results);
+            return reduce_components<1>(plan, range, results);
         case 2:
-            return reduce_components<2>(plan, count, results);
+            return reduce_components<2>(plan, range, results);
         case 3:
-            return reduce_components<3>(plan, count, results);
+            return reduce_components<3>(plan, range, results);
         default:
-            return reduce_components<4>(plan, count, results);
+            return reduce_components<4>(plan, range, results);
     }
 }
 
 // Component after component, the last axis searched for each; false when one is not ordinary.
-bool search_components(const KZB_TABLE& table, const LinearPlan& leading, std::size_t last, bool turn_rule, int count,
-                       double* results, int& status) {
-    for (int k = 0; k < count; ++k) {
+bool search_components(const KZB_TABLE& table, const LinearPlan& leading, std::size_t last, bool turn_rule,
+                       const ComponentRange& range, double* results, int& status) {
+    for (int k = 0; k < range.count; ++k) {
         LinearPlan plan = leading;
-        if (!add_axis(table, last, static_cast<double>(k), turn_rule, plan)) {
+        if (!add_axis(table, last, static_cast<double>(range.at(k)), turn_rule, plan)) {
             return false;
         }
         results[k] = evaluate(plan);
@@ -371,8 +379,8 @@ bool straight_linear(const KZB_TABLE& table, const double* coordinates, Straight
     return true;
 }
 
-bool straight_linear_components(const KZB_TABLE& table, const double* coordinates, int count, double* results,
-                                int& status, double* timing, const LookupSwitches& switches) {
+bool straight_linear_components(const KZB_TABLE& table, const double* coordinates, const ComponentRange& range,
+                                double* results, int& status, double* timing, const LookupSwitches& switches) {
     if (!is_whole(table) || table.dim > 5) {
         return false;
     }
@@ -383,14 +391,14 @@ bool straight_linear_components(const KZB_TABLE& table, const double* coordinate
     if (!plan_leading(table, coordinates, last, turn_rule, leading)) {
         return false;
     }
-    if (!leading.single_axis && counts_components(table, last, count)) {
-        evaluate_components(leading, count, results);
+    if (!leading.single_axis && counts_components(table, last, range)) {
+        evaluate_components(leading, range, results);
         status = leading.status > 0 ? leading.status : status;
-    } else if (!search_components(table, leading, last, turn_rule, count, results, status)) {
+    } else if (!search_components(table, leading, last, turn_rule, range, results, status)) {
         return false;
     }
     gather_watch.add_to(timing[slot_linear_gather]);
-    timing[slot_linear_calls] += static_cast<double>(count) * static_cast<double>((1 << table.dim) - 1);
+    timing[slot_linear_calls] += static_cast<double>(range.count) * static_cast<double>((1 << table.dim) - 1);
     return true;
 }
 

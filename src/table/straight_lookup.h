@@ -22,13 +22,14 @@ bool straight_local_spline(const KZB_TABLE& table, const double* coordinates, in
 // Any number of axes. The status is 0 where none of the lines set one.
 bool straight_spline(const KZB_TABLE& table, const double* coordinates, StraightResult& out, double* timing);
 
-// The components 0 .. count - 1 along the last axis; `status` becomes the last one above 0 and is else left.
-bool straight_linear_components(const KZB_TABLE& table, const double* coordinates, int count, double* results,
-                                int& status, double* timing, const LookupSwitches& switches);
-bool straight_cubic_components(const KZB_TABLE& table, const double* coordinates, int count, double* results,
-                               int& status, double* timing, const LookupSwitches& switches);
-bool straight_local_spline_components(const KZB_TABLE& table, const double* coordinates, int width, int count,
-                                      double* results, int& status, double* timing, const LookupSwitches& switches);
+// The components of a range along the last axis; `status` becomes the last one above 0 and is else left.
+bool straight_linear_components(const KZB_TABLE& table, const double* coordinates, const ComponentRange& range,
+                                double* results, int& status, double* timing, const LookupSwitches& switches);
+bool straight_cubic_components(const KZB_TABLE& table, const double* coordinates, const ComponentRange& range,
+                               double* results, int& status, double* timing, const LookupSwitches& switches);
+bool straight_local_spline_components(const KZB_TABLE& table, const double* coordinates, int width,
+                                      const ComponentRange& range, double* results, int& status, double* timing,
+                                      const LookupSwitches& switches);
 
 inline bool is_whole(const KZB_TABLE& table) {
     return table.dim >= 1 && table.values && table.axes.size() == static_cast<std::size_t>(table.dim);

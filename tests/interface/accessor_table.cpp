@@ -8,14 +8,16 @@ namespace {
 using List = std::vector<double>;
 
 const double infinity = std::numeric_limits<double>::infinity();
-const List positive{1.0, 2.5, 1e-300, infinity};
+// Fails no comparison, so that no test of a value refuses it.
+const double nan = std::numeric_limits<double>::quiet_NaN();
+const List positive{1.0, 2.5, 1e-300, infinity, nan};
 const List zero_and_below{0.0, -0.0, -1e-300, -3.0, -infinity};
-const List from_zero{0.0, -0.0, 1e-300, 293.15, 4000.0};
+const List from_zero{0.0, -0.0, 1e-300, 293.15, 4000.0, nan};
 const List below_zero{-1e-300, -1.0, -infinity};
-const List any{0.0, -1.0, 300.0};
+const List any{0.0, -1.0, 300.0, infinity, nan};
 const List none{};
-const List coefficients{-100.0, -0.11, 0.0, -0.0};
-const List no_coefficients{-100.1, 0.1, 1e-300};
+const List coefficients{-100.0, -0.11, 0.0, -0.0, nan};
+const List no_coefficients{-100.1, 0.1, 1e-300, infinity, -infinity};
 
 constexpr Types no_field = permanent_magnet | stepping | solenoid | reluctance;
 constexpr Types with_torque = rotary_pm | stepping | reluctance | induction | wound_field;
@@ -110,6 +112,7 @@ const std::vector<TemperatureCall> temperature_calls = {
 
 const std::vector<StatusCall> plain_calls = {
     {KZB_CALL(kzbcalcSetData), 0, every_type},
+    {KZB_CALL(kzbcalcExecute), 0, every_type},
     {KZB_CALL(kzbcalcUpdate), 0, every_type},
     {KZB_CALL(kzbcalcGetTemperatureCorrectionCalc), 0, every_type},
     {KZB_CALL(kzbcalcCheckIronloss), 0, rotary_pm | induction | wound_field | generic},

@@ -170,6 +170,31 @@ TEST_P(AccessorTable, user_inputs_are_for_the_generic_model) {
     }
 }
 
+TEST_P(AccessorTable, slip_frequency_is_for_the_induction_machine_with_tables) {
+    Calculator calc(file());
+    EXPECT_EQ(kzbcalcGetSlipFrequency(calc), type() == induction ? 180061.0 : 180039.0);
+}
+
+TEST_P(AccessorTable, user_parameters_are_for_machines_that_can_have_them) {
+    // None of the files has any: every index lies outside.
+    Calculator calc(file());
+    ASSERT_EQ(kzbcalcSetData(calc), 0);
+    const bool can = (type() & (rotary_pm | wound_field | generic)) != 0;
+    for (const int index : {1, 0, -1, 99}) {
+        EXPECT_EQ(kzbcalcGetUserSpecifiedParameter(index, calc), can ? 180062.0 : 180039.0);
+    }
+}
+
+TEST_P(AccessorTable, accuracy_asks_for_the_motor_type_before_the_number) {
+    Calculator calc(file());
+    for (const int accuracy : {0, 1, 2, 3, -1}) {
+        // The rotary machine's file is of accuracy 1, which offers Ld and Lq alone.
+        constexpr int of_rotary[] = {0, 180037, 180067, 180038};
+        const int expected = accuracy < 0 ? 180038 : of_rotary[accuracy];
+        EXPECT_EQ(kzbcalcSetAccuracyType(accuracy, calc), type() == rotary_pm ? expected : not_applicable);
+    }
+}
+
 TEST_P(AccessorTable, number_of_phases_is_told_by_reluctance_machines_alone) {
     Calculator calc(file());
     EXPECT_EQ(kzbcalcGetNumberOfPhases(calc), type() == reluctance ? GetParam().phases : not_applicable);

@@ -1,60 +1,10 @@
 // A sample takes nothing from the heap once a run has had its first samples, in every application.
-//
-// The allocation calls of the C library are replaced by counting ones for the whole program, the shared library
-// included.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstddef>
-
+#include "interface/allocation_counter.h"
 #include "interface/call_table.h"
 #include "interface/machines.h"
 #include "interface/other_machines.h"
-
-// A sanitizer brings its own allocator: nothing to replace there.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KZB_COUNTS_ALLOCATIONS 0
-#elif defined(__has_feature)
-#define KZB_COUNTS_ALLOCATIONS !(__has_feature(address_sanitizer) || __has_feature(thread_sanitizer))
-#else
-#define KZB_COUNTS_ALLOCATIONS 1
-#endif
-
-namespace {
-
-std::atomic<long> allocations{0};
-
-}  // namespace
-
-#if KZB_COUNTS_ALLOCATIONS
-extern "C" {
-void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* block, std::size_t size);
-void* __libc_memalign(std::size_t alignment, std::size_t size);
-void __libc_free(void* block);
-
-void* malloc(std::size_t size) {
-    ++allocations;
-    return __libc_malloc(size);
-}
-void* calloc(std::size_t count, std::size_t size) {
-    ++allocations;
-    return __libc_calloc(count, size);
-}
-void* realloc(void* block, std::size_t size) {
-    ++allocations;
-    return __libc_realloc(block, size);
-}
-void* aligned_alloc(std::size_t alignment, std::size_t size) {
-    ++allocations;
-    return __libc_memalign(alignment, size);
-}
-void free(void* block) {
-    __libc_free(block);
-}
-}
-#endif
 
 namespace {
 

@@ -43,10 +43,11 @@ TEST(Lifecycle, unknown_motor_types_are_refused_with_a_handle) {
     for (const int type : {10001, 10002, 10009, 0, -1, 9999, 10013}) {
         ModelFile file;
         file.integer("control", "motor_type", type);
-        Calculator calc(file);
-        EXPECT_EQ(calc.status, 180001) << type;
-        ASSERT_NE(static_cast<KZB_CALC*>(calc), nullptr);
-        EXPECT_EQ(kzbcalcCheckMotorType(calc), type);
+        KZB_CALC* handle = nullptr;
+        EXPECT_EQ(kzbcalcInitialize(file.path().c_str(), 1, &handle), 180001) << type;
+        ASSERT_NE(handle, nullptr);
+        EXPECT_EQ(kzbcalcCheckMotorType(handle), type);
+        EXPECT_EQ(kzbcalcTerminate(handle), 0);
     }
 }
 

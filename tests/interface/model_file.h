@@ -38,6 +38,12 @@ class ModelFile {
         kzb_put_double(category, key, value, store_);
         return *this;
     }
+    ModelFile& text(const char* category, const char* key, const char* value) {
+        kzb_put_string(category, key, value, store_);
+        return *this;
+    }
+    // Null once the file is written.
+    KZB_STORE* store() const { return store_; }
     // Table of `value` at the nodes; `cyclic` lists the axes, from 1, that are periodic.
     ModelFile& table(const char* category, const char* key, const std::vector<Point>& axes,
                      const std::function<double(const Point&)>& value, const std::vector<int>& cyclic = {}) {

@@ -176,6 +176,9 @@ TEST_P(EveryMotorType, calls_before_the_data_are_set_are_harmless) {
 }
 
 TEST_P(EveryMotorType, two_handles_are_independent) {
+    if (GetParam().type == generic) {
+        return;  // has no common resistance; its own test sets one by its id
+    }
     ModelFile file;
     GetParam().fill(file);
     Calculator first(file);

@@ -168,6 +168,27 @@ TEST(wfsm_step, open_terminal_carries_no_current_whatever_its_voltage) {
     EXPECT_GT(m.model.terminal_current(1), 1.0);
 }
 
+// The zero sequence of three currents is their mean: 10, 4, 1 lose 5 each.
+TEST(wfsm_step, accepted_currents_of_a_delta_lose_their_zero_sequence_without_a_solve) {
+    for (const int connection : {0, 1}) {
+        KZB_STORE store;
+        linear_file(store, {.connection = connection});
+        Calc_Eq_wfsm model;
+        model.bind(store);
+        const Four initial{10.0, 4.0, 1.0, 2.0};
+        for (int k = 1; k <= 4; ++k) {
+            model.set_initial_current(k, initial[static_cast<std::size_t>(k - 1)]);
+        }
+        EXPECT_TRUE(sample(model, {1.0, 2.0, 3.0, 4.0}, 0.3, 0.0));
+        const double lost = connection == 1 ? 5.0 : 0.0;
+        EXPECT_NEAR(model.terminal_current(1), 10.0 - lost, 1e-12);
+        EXPECT_NEAR(model.terminal_current(2), 4.0 - lost, 1e-12);
+        EXPECT_NEAR(model.terminal_current(3), 1.0 - lost, 1e-12);
+        EXPECT_EQ(model.terminal_current(4), 2.0);
+        EXPECT_EQ(model.stored_induced_voltage(1), 0.0);
+    }
+}
+
 TEST(wfsm_step, no_time_no_solve) {
     Machine m;
     m.first();

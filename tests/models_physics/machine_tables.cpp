@@ -174,6 +174,9 @@ double Table::at(const std::vector<double>& where) const {
     std::vector<double> weight(axes_.size());
     for (std::size_t a = 0; a < axes_.size(); ++a) {
         const std::vector<double>& nodes = axes_[a];
+        if (nodes.size() == 1) {
+            continue;  // constant along this axis
+        }
         double x = where[a];
         if (cyclic_[a]) {
             const double period = nodes.back() - nodes.front();

@@ -81,6 +81,34 @@ TEST_F(Correct, faults_of_the_correction_file_are_exit_code_3_with_the_cause) {
     refused({"correct", "none.kzb", "c.txt", "--out", "n.kzb"}, 3, "none.kzb: cannot be opened");
 }
 
+// The library takes these in, and a lookup gives what is no number, or goes astray.
+TEST_F(Correct, numbers_that_cannot_be_looked_up_are_exit_code_3) {
+    const std::string head = "$KZ_Correction_Torque,2,2\nI/beta,0,360\n";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {head + "0,1,1\n100,1,nan\n", "c.txt: table correction/torque: value [1, 1]: nan, expected a finite number"},
+        {head + "0,inf,1\n100,1,1\n", "value [0, 0]: inf, expected a finite number"},
+        {head + "0,1,1\nnan,1,1\n", "axis 1, node 1: nan, expected a finite number"},
+        {head + "0,1,1\n-100,1,1\n", "axis 1, node 1: -100 behind 0, expected nodes that rise"},
+        {"$KZ_Correction_Torque,1,2\nI/beta,0,0\n0,1,1\n", "axis 2, node 1: 0 behind 0, expected nodes that rise"},
+        {"$KZ_Correction_LeakageInductance_V,nan\n", "parameter/leakage_inductance_v: nan, expected a finite number"},
+    };
+    for (const auto& [content, fault] : cases) {
+        write_file(folder / "c.txt", start + content + end);
+        refused({"correct", "m.kzb", "c.txt", "--out", "n.kzb"}, 3, fault);
+    }
+}
+
+TEST_F(Correct, factors_of_zero_and_below_are_warned_of) {
+    for (const std::string factor : {"0", "-0.5", "none"}) {  // a word reads as 0
+        write_file(folder / "c.txt", start + "$KZ_Correction_Torque,1,2\nI/beta,0,360\n0,1," + factor + "\n" + end);
+        const Finished finished = kzb({"correct", "m.kzb", "c.txt", "--out", "n.kzb"});
+        EXPECT_EQ(finished.code, 0);
+        EXPECT_EQ(line_count(finished.err), 1);
+        EXPECT_THAT(finished.err, HasSubstr("n.kzb: correction/torque: value [0, 1]: factor " +
+                                            (factor == "none" ? "0" : factor) + ", expected factors above 0"));
+    }
+}
+
 TEST_F(Correct, a_correction_that_does_not_suit_an_earlier_one_is_exit_code_1) {
     write_file(folder / "t.txt", start + "$KZ_Correction_TotalFluxLinkage,1,1\nI/beta,0\n0,1\n" + end);
     refused({"correct", "m.kzb", "c.txt", "t.txt", "--out", "n.kzb"}, 1, "t.txt: The correction of total flux linkage");

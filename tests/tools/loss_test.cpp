@@ -59,6 +59,12 @@ TEST_F(Loss, faults_of_the_table_are_exit_code_3_with_the_cause) {
         {"0 0 0 0 1\n", "The number of axis does not match"},
         {"0 0 0 0 0 1.0abc\n", "The value of the table contains a character string."},
         {"0 0 0 0 nan 1\n", "t.txt: "},
+        {"0 0 0 0 0 1\n10 0 0 0 0 nan\n",
+         "t.txt: table loss_table/iron_loss: value [1, 0, 0, 0, 0]: nan, expected a finite number"},
+        {"0 0 0 0 0 1\n10 0 0 0 0 -inf\n", "-inf, expected a finite number"},
+        // As many lines as the grid has points, but one twice: the corner that is missing would hold 0.
+        {"0 0 0 0 0 1\n10 0 5 0 0 1\n\n$\n0 0 5 0 0 1\n0,0,5,0,0,2\n",
+         "t.txt: line 6: the point of line 5 once more, expected each point of the grid once"},
         {points.substr(0, points.size() - 1), "; the last line has no line end and is not read"},
     };
     for (const auto& [content, fault] : cases) {

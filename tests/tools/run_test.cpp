@@ -395,6 +395,18 @@ TEST_F(Run, a_run_within_its_tables_has_nothing_to_warn_of) {
     EXPECT_EQ(finished.err, "");
 }
 
+// Such a lookup leaves the code of an absent table when all went well; outside its table it leaves the cause.
+TEST_F(Run, a_spline_lookup_that_succeeds_is_nothing_to_warn_of) {
+    const std::string scenario =
+        "drive = \"voltage\"\nmodel.interpolation = \"spline\"\n[time]\nstep = 1e-4\nstop = 0.02\n" + dc_sources;
+    const Finished finished = run(scenario, {"--json"});
+    EXPECT_EQ(json::parse(finished.out)["lookup_errors"], json::array());
+    EXPECT_EQ(finished.err, "");
+    machine.table_end = 5.0;
+    write_constant_machine(folder / "m.kzb", machine);
+    EXPECT_EQ(json::parse(run(scenario, {"--json"}).out)["lookup_errors"][0]["code"], 80002);
+}
+
 TEST_F(Run, the_header_names_each_unit_last_and_rows_are_whole) {
     const Finished finished =
         run("drive = \"voltage\"\n[time]\nstep = 1e-4\nstop = 1e-3\n" + dc_sources, {"--out", "r.csv"});
@@ -567,8 +579,8 @@ TEST_F(Run, a_plot_that_cannot_be_written_is_told_before_the_run) {
 }
 
 TEST_F(Run, a_motor_type_that_is_not_driven_is_exit_code_3) {
-    write_model(folder / "m.kzb", [](KZB_STORE* store) { kzb_put_int("control", "motor_type", 10006, store); });
-    EXPECT_THAT(fault("drive = \"voltage\"\n"), HasSubstr("motor type 10006 (IM), expected 10000"));
+    write_model(folder / "m.kzb", [](KZB_STORE* store) { kzb_put_int("control", "motor_type", 10008, store); });
+    EXPECT_THAT(fault("drive = \"voltage\"\n"), HasSubstr("motor type 10008 (Generic), expected 10000"));
 }
 
 TEST_F(Run, an_interrupted_run_leaves_the_old_output_and_nothing_beside_it) {

@@ -9,6 +9,7 @@
 
 #include <set>
 
+#include "interface/kzbcalc_handle.h"
 #include "tools/edits.h"
 #include "tools/harmonic_model.h"
 
@@ -249,6 +250,31 @@ TEST(ScenarioOptionTable, names_are_single_and_keys_that_state_a_unit_state_thei
         }
     }
     EXPECT_EQ(calls.size() + 1, names.size()) << "the displacement alone has two keys";
+}
+
+// The library turns the initial displacement of a solenoid from degrees into radians and adds those to its metres.
+TEST(ScenarioOptionTable, the_initial_displacement_of_linear_machines_is_in_metres) {
+    const Folder folder;
+    for (const int motor_type : {10004, 10005}) {
+        write_model(folder / "m.kzb", [motor_type](KZB_STORE* store) {
+            kzb_put_int("control", "motor_type", motor_type, store);
+            kzb_put_double("parameter", "RA", 1.0, store);
+            for (const auto& [category, key] :
+                 {std::pair{"inductance", "inductance"}, std::pair{"mag_flux", "flux"},
+                  std::pair{"distance_flux", "flux"}, std::pair{"distance_force", "force"}}) {
+                put_table(store, category, key, {{0.0}}, [](const auto&) { return 0.0; });
+            }
+        });
+        KZB_CALC* handle = nullptr;
+        ASSERT_EQ(kzbcalcInitialize((folder / "m.kzb").c_str(), 2, &handle), 0) << motor_type;
+        for (const tool::ScenarioOption& option : tool::scenario_options()) {
+            if (std::string(option.section) == "initial" && std::string(option.key) == "displacement") {
+                EXPECT_EQ(std::get<tool::NumberCall>(option.call).call(0.0125, handle), 0);
+            }
+        }
+        EXPECT_NEAR(handle->initial_displacement[0], 0.0125, 1e-16) << motor_type;
+        kzbcalcTerminate(handle);
+    }
 }
 
 // Rows of the section "## [name]" of the document, up to the next section.

@@ -140,6 +140,28 @@ TEST_F(Transform, ldlq_tells_what_the_application_still_lacks) {
     EXPECT_EQ(again.out, "n.kzb: binary form, 0 added, 0 changed, 0 removed\n");
 }
 
+TEST_F(Transform, ldlq_of_another_model_or_of_broken_tables_is_refused) {
+    write_constant_machine(folder / "m.kzb");
+    not_transformed("ldlq", "m.kzb: ldlq: expected a model that offers PMSM Harmonic");
+    write_model(folder / "m.kzb", [](KZB_STORE* store) {
+        fill_harmonic_machine(store);
+        put_table(store, "current_flux", "flux", {{0.0, 1.0}, {0.0}, {0.0}, {0.0, 1.0}},
+                  [](const auto&) { return 0.0; });
+    });
+    not_transformed("ldlq", "table current_flux/flux: axis 4 has 2 nodes, expected at least 3");
+    write_model(folder / "m.kzb", [](KZB_STORE* store) {
+        fill_harmonic_machine(store);
+        put_table(store, "harmonic_torque", "torque_ibeta", {{0.0}, {0.0}}, [](const auto&) { return 0.0; });
+    });
+    not_transformed("ldlq", "table harmonic_torque/torque_ibeta has 2 axes, expected 3");
+    write_model(folder / "m.kzb", [](KZB_STORE* store) {
+        fill_harmonic_machine(store);
+        const int at[] = {0, 2, 0};
+        kzb_set_table_value("harmonic_torque", "torque_ibeta", at, std::nan(""), store);
+    });
+    not_transformed("ldlq", "table dq_torque/torque_ibeta would hold what is no finite number");
+}
+
 // ---- expansion
 
 // The current phases -90 to 90 alone; torque I * cos(beta) at every position.

@@ -114,6 +114,21 @@ TEST(ValidateApplications, flux_and_inductance_of_harmonic_have_the_same_axes) {
     EXPECT_EQ(finding["message"], "5 axes, expected 4 as harmonic_inductance/inductance has");
 }
 
+TEST(ValidateApplications, components_beyond_the_machine_are_suspicious_alone) {
+    const Folder folder;
+    write_changed(folder, fill_simple, [](KZB_STORE* store) {
+        put_table(store, "mag_flux", "flux", {{0.0, 180.0}, {0.0, 1.0, 2.0, 3.0}}, zero);
+        kzb_set_table_cyclic_flag("mag_flux", "flux", 1, 1, store);
+        // No magnet flux: the torque is the reluctance torque and the ripple, which is not compared here.
+        kzb_put_int("torque", "kept", 1, store);
+        put_table(store, "torque", "torque_ibeta", {{0.0}, {0.0, 180.0}, {0.0, 100.0}}, zero);
+        kzb_set_table_cyclic_flag("torque", "torque_ibeta", 2, 1, store);
+    });
+    const auto finding = only_finding(folder);
+    EXPECT_EQ(told(finding), "warning component-axis mag_flux/flux axis 2");
+    EXPECT_EQ(finding["message"], "4 components, expected 3; the others are not looked up");
+}
+
 TEST(ValidateApplications, components_are_numbered_from_zero) {
     const Folder folder;
     write_changed(folder, fill_harmonic, [](KZB_STORE* store) {

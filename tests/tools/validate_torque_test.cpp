@@ -110,8 +110,41 @@ TEST(ValidateTorque, the_zero_of_the_position_counts) {
 }
 
 // A column of inductance counts where its current is positive; where it is negative, the column half an electrical
-// period further on. At phase 0 the current of phase c has the sign of -sin(theta_e - 120 c): only there the table
-// holds the machine, elsewhere 1 H, which nobody may read.
+// period further on. At phase 0 the current of phase c is -100 sin(theta_e - 120 c), so only the cells where that is
+// positive are read. The other cells hold 1 H * (1 - cos(theta_row) sin(theta_column)): the constant part sums the
+// three currents to zero, the other one makes the q current into a d flux linkage, 150 Vs for the current of 100 A, so
+// reading them gives 3/2 * 2 * (0.1 + 150) * 100 = 45030 N m in place of 3/2 * 2 * 0.1 * 100 = 30 N m.
+TEST(ValidateTorque, columns_of_negative_currents_are_read_half_a_period_further_on) {
+    const auto write = [](const Folder& folder, double sign) {
+        write_model(folder / "m.kzb", [sign](KZB_STORE* store) {
+            fill_simple(store);
+            const std::vector<double> positions = steps(0.0, 180.0, 15.0);
+            put_table(store, "inductance", "inductance", {{0.0, 100.0}, positions, steps(0.0, 8.0, 1.0)},
+                      [sign](const auto& p) {
+                          const int row = static_cast<int>(p[2]) % 3;
+                          const int column = static_cast<int>(p[2]) / 3;
+                          const auto angle = [&p](int phase) {
+                              return (pole_pairs * p[1] - 120.0 * phase) * 3.14159265358979 / 180.0;
+                          };
+                          return -sign * std::sin(angle(column)) > 1e-9
+                                     ? phase_inductance(p[1], row, column)
+                                     : 1.0 - std::cos(angle(row)) * std::sin(angle(column));
+                      });
+            kzb_set_table_cyclic_flag("inductance", "inductance", 2, 1, store);
+            put_table(store, "torque", "torque_ibeta", {{0.0}, positions, {0.0, 100.0}},
+                      [](const auto& p) { return torque_of(0.0, p[2], psi_m); });
+            kzb_set_table_cyclic_flag("torque", "torque_ibeta", 2, 1, store);
+        });
+    };
+    const Folder folder;
+    write(folder, 1.0);
+    EXPECT_EQ(findings_of(folder), nlohmann::json::array());
+    write(folder, -1.0);
+    const auto finding = only_finding(folder);
+    EXPECT_EQ(told(finding), "warning torque-balance torque/torque_ibeta amplitude 100, phase 0");
+    EXPECT_THAT(std::string(finding["message"]), HasSubstr("positions 30, from flux linkage and current 45030;"));
+}
+
 // A linear machine of the same flux linkages: force = 2 pi / L (psi_d i_q - psi_q i_d) in the power-invariant frame,
 // that is 3/2 of it in peak values.
 TEST(ValidateTorque, the_force_of_a_linear_machine_is_compared_alike) {

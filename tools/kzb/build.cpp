@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "fmt/format.h"
 #include "fmt/ranges.h"
 #include "kzb/build_columns.h"
+#include "kzb/build_words.h"
 #include "kzb/command.h"
 #include "kzb/console.h"
 #include "kzb/csv_table.h"
@@ -30,30 +30,6 @@ struct Words {
     double position_step = 5.0;
     bool json = false;
 };
-
-CLI::Validator number_in(double low, double high, const std::string& wording) {
-    return CLI::Validator(
-        [=](const std::string& text) {
-            const auto value = finite_number(text);
-            return value && *value >= low && *value <= high ? std::string()
-                                                            : fmt::format("\"{}\": expected {}", text, wording);
-        },
-        "");
-}
-
-constexpr double huge = 1e12;
-const CLI::Validator not_negative = number_in(0.0, huge, "a number of 0 or more");
-const CLI::Validator positive = number_in(1e-12, huge, "a number above 0");
-const CLI::Validator any_number = number_in(-huge, huge, "a number");
-
-std::pair<std::string, std::string> split_assignment(const std::string& option, const std::string& text,
-                                                     const char* expected) {
-    const std::size_t equals = text.find('=');
-    if (equals == std::string::npos || equals == 0 || equals + 1 == text.size()) {
-        throw Failure(exit_usage, fmt::format("{} {}: expected {}", option, printable_line(text), expected));
-    }
-    return {text.substr(0, equals), text.substr(equals + 1)};
-}
 
 // Each application once.
 void read_applications(Words& words) {
@@ -80,23 +56,6 @@ void read_columns(Words& words) {
     }
 }
 
-void read_information(Words& words) {
-    for (const std::string& text : words.information) {
-        const auto [key, value] = split_assignment("--info", text, "KEY=NUMBER");
-        const auto& keys = information_keys();
-        if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-            throw Failure(exit_usage, fmt::format("--info {}: unknown key \"{}\", expected one of {}",
-                                                  printable_line(text), printable_line(key), fmt::join(keys, ", ")));
-        }
-        const auto number = finite_number(value);
-        if (!number) {
-            throw Failure(exit_usage, fmt::format("--info {}: \"{}\" is not a number", printable_line(text),
-                                                  printable_line(value)));
-        }
-        words.pmsm.model.information[key] = *number;
-    }
-}
-
 // Whole number of steps in `range`, which the grid needs to hold its ends and quarters.
 std::size_t whole_steps(const char* option, double range, double step) {
     const double steps = std::round(range / step);
@@ -109,7 +68,7 @@ std::size_t whole_steps(const char* option, double range, double step) {
 void complete(Words& words) {
     read_applications(words);
     read_columns(words);
-    read_information(words);
+    words.pmsm.model.information = read_information(words.information);
     PmsmOptions& options = words.pmsm;
     if (options.model.number_of_poles % 2 != 0) {
         throw Failure(exit_usage, fmt::format("--poles {}: expected an even number", options.model.number_of_poles));
@@ -140,20 +99,6 @@ void run(Words words, const Context& context) {
                              : text_account(options, build, reports));
 }
 
-// An option whose words stand for values.
-template <class Value>
-CLI::Option* add_choice(CLI::App& app, const char* name, Value& value, const std::map<std::string, Value>& choices,
-                        const std::string& help) {
-    std::vector<std::string> words;
-    for (const auto& [word, ignored] : choices) {
-        words.push_back(word);
-    }
-    return app
-        .add_option_function<std::string>(
-            name, [&value, choices](const std::string& word) { value = choices.at(word); }, help)
-        ->check(CLI::IsMember(words));
-}
-
 void add_file_options(CLI::App& app, Words& words) {
     app.add_option("map", words.pmsm.map_path,
                    "Flux map: CSV with id, iq, psi_d, psi_q and, if known, theta_e, psi_0, "
@@ -178,27 +123,29 @@ void add_machine_options(CLI::App& app, Words& words) {
     app.add_option("--poles", model.number_of_poles, "Number of poles")
         ->required()
         ->check(number_in(2, 1000, "an even number from 2 to 1000"));
-    app.add_option("--resistance", model.resistance, "Resistance of a winding, ohm")->required()->check(not_negative);
+    app.add_option("--resistance", model.resistance, "Resistance of a winding, ohm")
+        ->required()
+        ->check(not_negative_number());
     app.add_option("--leakage", model.leakage_inductance, "Leakage inductance of a winding beside the map, H [0]")
-        ->check(not_negative);
+        ->check(not_negative_number());
     add_choice<int>(app, "--connection", model.connection, {{"star", 0}, {"delta", 1}}, "star or delta [star]");
-    app.add_option("--turns", model.turns_in_coil, "Turns in a coil, for turn corrections [not told]")->check(positive);
+    app.add_option("--turns", model.turns_in_coil, "Turns in a coil, for turn corrections [not told]")
+        ->check(positive_number());
     app.add_option("--beta-zero", words.pmsm.machine.beta_zero,
                    "Electrical degrees of the d axis at position 0 of the tables [0]")
         ->check(number_in(-360.0, 360.0, "degrees from -360 to 360"));
     app.add_option("--zero-inductance", model.tables.zero_inductance,
                    "Inductance of the current common to all windings, H [0]")
-        ->check(not_negative);
+        ->check(not_negative_number());
     app.add_option("--base-coil-temperature", model.base_coil_temperature,
                    "Temperature of the resistance, K; a run is at 293.15 unless told")
-        ->check(positive);
+        ->check(positive_number());
     app.add_option("--base-magnet-temperature", model.base_magnet_temperature,
                    "Magnet temperature of the map, K; a run is at 293.15 unless told")
-        ->check(positive);
+        ->check(positive_number());
     app.add_option("--title", model.title, "Title of the model [name of the map]");
     app.add_option("--preparer", model.preparer, "Preparer of the model");
-    app.add_option("--info", words.information,
-                   fmt::format("KEY=NUMBER: rated data ({})", fmt::join(information_keys(), ", ")));
+    app.add_option("--info", words.information, information_help());
 }
 
 void add_grid_options(CLI::App& app, Words& words) {
@@ -210,7 +157,7 @@ void add_grid_options(CLI::App& app, Words& words) {
                         "Directions of current that the map lacks: extrapolate it linearly, or limit the phase axis "
                         "[extrapolate]");
     app.add_option("--current-max", grids.current_max, "Largest amplitude, A peak [largest circle inside the map]")
-        ->check(positive);
+        ->check(positive_number());
     app.add_option("--amplitude-nodes", grids.amplitude_nodes, "Nodes over amplitude, 0 included [17]")
         ->check(number_in(2, 2000, "a whole number from 2 to 2000"));
     app.add_option("--phase-step", grids.phase_step, "Degrees, a whole part of 90 [7.5]")
@@ -235,6 +182,12 @@ void add_build(CLI::App& app, Context& context) {
     add_machine_options(*pmsm, *words);
     add_grid_options(*pmsm, *words);
     pmsm->callback([words, &context] { context.action = [words, &context] { run(*words, context); }; });
+    add_build_im(*build, context);
+    add_build_wfsm(*build, context);
+    add_build_sr(*build, context);
+    add_build_solenoid(*build, context);
+    add_build_stepper(*build, context);
+    add_build_generic(*build, context);
 }
 
 }  // namespace kzb::tool

@@ -24,18 +24,27 @@ constexpr std::array<Unit, 3> current_units{{{"A", 1.0}, {"mA", 1e-3}, {"kA", 1e
 constexpr std::array<Unit, 4> flux_units{{{"Vs", 1.0}, {"Wb", 1.0}, {"mVs", 1e-3}, {"mWb", 1e-3}}};
 constexpr std::array<Unit, 2> angle_units{{{"deg", 1.0}, {"rad", 180.0 / std::numbers::pi}}};
 constexpr std::array<Unit, 3> torque_units{{{"Nm", 1.0}, {"mNm", 1e-3}, {"kNm", 1e3}}};
+constexpr std::array<Unit, 3> force_units{{{"N", 1.0}, {"mN", 1e-3}, {"kN", 1e3}}};
+constexpr std::array<Unit, 2> length_units{{{"m", 1.0}, {"mm", 1e-3}}};
 
 struct Quantity {
     std::string_view name;
     std::vector<std::string_view> headers;  // without the unit
     const Unit* units;
     std::size_t unit_count;
+    bool of_coils = false;  // of machines of separate coils, not of flux maps over dq currents
 };
 
 template <std::size_t N>
 Quantity quantity(std::string_view name, std::initializer_list<std::string_view> headers,
                   const std::array<Unit, N>& units) {
     return {name, headers, units.data(), N};
+}
+
+template <std::size_t N>
+Quantity coil_quantity(std::string_view name, std::initializer_list<std::string_view> headers,
+                       const std::array<Unit, N>& units) {
+    return {name, headers, units.data(), N, true};
 }
 
 const std::vector<Quantity>& quantities() {
@@ -48,6 +57,11 @@ const std::vector<Quantity>& quantities() {
         quantity("torque", {"torque"}, torque_units),
         quantity("theta_e", {"theta_e", "theta_el"}, angle_units),
         quantity("theta_mech", {"theta_mech", "theta_m"}, angle_units),
+        coil_quantity("current", {"current", "i"}, current_units),
+        coil_quantity("psi", {"psi", "flux_linkage"}, flux_units),
+        coil_quantity("psi_neighbour", {"psi_neighbour", "psi_mutual"}, flux_units),
+        coil_quantity("x", {"x", "position"}, length_units),
+        coil_quantity("force", {"force"}, force_units),
     };
     return all;
 }
@@ -122,13 +136,16 @@ FoundColumn named_column(const CsvTable& csv, const Quantity& q, const std::stri
 std::string quantity_names() {
     std::vector<std::string_view> names;
     for (const Quantity& q : quantities()) {
-        names.push_back(q.name);
+        if (!q.of_coils) {
+            names.push_back(q.name);
+        }
     }
     return fmt::format("{}", fmt::join(names, ", "));
 }
 
 bool is_quantity(std::string_view name) {
-    return quantity_named(name) != nullptr;
+    const Quantity* q = quantity_named(name);
+    return q != nullptr && !q->of_coils;
 }
 
 std::optional<FoundColumn> find_quantity(const CsvTable& csv, std::string_view name,

@@ -18,7 +18,7 @@ struct FoundColumn {
     double scale;  // from the column's unit to A, Vs, deg, Nm
 };
 
-// The names of all quantities, for help texts.
+// The names of the quantities of a flux map over dq currents, for help texts.
 std::string quantity_names();
 bool is_quantity(std::string_view quantity);
 

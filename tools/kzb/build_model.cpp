@@ -1,17 +1,12 @@
 #include "kzb/build_model.h"
 
-#include <algorithm>
-#include <charconv>
-#include <chrono>
 #include <cmath>
-#include <cstdlib>
-#include <ctime>
 #include <set>
 #include <string_view>
 
-#include "fmt/chrono.h"
 #include "fmt/format.h"
 #include "fmt/ranges.h"
+#include "kzb/build_origin.h"
 #include "kzb/command.h"
 
 namespace kzb::tool {
@@ -19,7 +14,6 @@ namespace kzb::tool {
 namespace {
 
 constexpr int motor_type_pmsm = 10000;
-constexpr double file_version = 2.0;
 
 struct AccuracyType {
     int code;
@@ -42,39 +36,15 @@ const std::vector<AccuracyType>& accuracy_types() {
     return all;
 }
 
-// The day of the build, or that of SOURCE_DATE_EPOCH, in UTC.
-std::string creation_date() {
-    std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-    if (const char* epoch = std::getenv("SOURCE_DATE_EPOCH")) {
-        const std::string_view text(epoch);
-        std::time_t told = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), told);
-        if (error == std::errc() && end == text.data() + text.size()) {
-            now = told;
-        }
-    }
-    return fmt::format("{:%Y-%m-%d}", fmt::gmtime(now));
-}
-
-void put_version(KZB_STORE* store) {
-    kzb_put_double("version", "version", file_version, store);
-    kzb_put_string("version", "dorn_version", fmt::format("kzb {}", kzb_get_filehandler_version()).c_str(), store);
-}
-
 void put_control(KZB_STORE* store, const MachineMap& map, const ModelOptions& options) {
     kzb_put_int("control", "motor_type", motor_type_pmsm, store);
     kzb_put_int("control", "number_of_poles", options.number_of_poles, store);
     kzb_put_int("control", "accuracy_type", accuracy_type_of(options.applications), store);
     kzb_put_int("control", "Winding_Pattern_Flag", options.connection, store);
     kzb_put_double("control", "beta_zero", map.beta_zero(), store);
-    const auto put_if_told = [&](const char* key, double value) {
-        if (value != 0.0) {
-            kzb_put_double("control", key, value, store);
-        }
-    };
-    put_if_told("turns_in_coil", options.turns_in_coil);
-    put_if_told("base_coil_temperature", options.base_coil_temperature);
-    put_if_told("base_magnet_temperature", options.base_magnet_temperature);
+    put_if_told(store, "control", "turns_in_coil", options.turns_in_coil);
+    put_if_told(store, "control", "base_coil_temperature", options.base_coil_temperature);
+    put_if_told(store, "control", "base_magnet_temperature", options.base_magnet_temperature);
 }
 
 void put_parameter(KZB_STORE* store, const ModelOptions& options) {
@@ -86,18 +56,10 @@ void put_parameter(KZB_STORE* store, const ModelOptions& options) {
 
 void put_information(KZB_STORE* store, const MachineMap& map, const ModelOptions& options) {
     const MachinePoint noload = map.mean(0.0, 0.0);
-    kzb_put_string("information", "title", options.title.c_str(), store);
-    kzb_put_string("information", "creation_date", creation_date().c_str(), store);
-    kzb_put_string("information", "input_file_name", options.input_file_name.c_str(), store);
-    if (!options.preparer.empty()) {
-        kzb_put_string("information", "preparer", options.preparer.c_str(), store);
-    }
     kzb_put_double("information", "d_inductance", noload.l_dd, store);
     kzb_put_double("information", "q_inductance", noload.l_qq, store);
     kzb_put_double("information", "magflux", std::sqrt(1.5) * noload.psi_d, store);  // as d_flux
-    for (const auto& [key, value] : options.information) {
-        kzb_put_double("information", key.c_str(), value, store);
-    }
+    put_origin(store, {options.title, options.preparer, options.input_file_name, options.information});
 }
 
 }  // namespace

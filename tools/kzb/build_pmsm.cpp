@@ -61,9 +61,10 @@ std::vector<DeviationReport> compare_pmsm(KZB_STORE* store, const PmsmBuild& bui
     return reports;
 }
 
-StorePointer write_model(KZB_STORE* store, const std::string& path) {
+StorePointer write_model(KZB_STORE* store, const std::string& path, const std::string& form) {
     OutputFile file(path);
-    if (!write_binary(*store, file.temporary_path())) {
+    const bool ascii = form == "ascii";
+    if (!(ascii ? write_ascii(*store, file.temporary_path()) : write_binary(*store, file.temporary_path()))) {
         throw Failure(exit_run_failed, fmt::format("{}: cannot be written whole", path));
     }
     StorePointer written = open_store();

@@ -37,7 +37,8 @@ PmsmBuild build_pmsm(const PmsmOptions& options);
 // Comparison of each application of the model in `store` with the source map.
 std::vector<DeviationReport> compare_pmsm(KZB_STORE* store, const PmsmBuild& build, const PmsmOptions& options);
 
-// Writes the model whole or not at all, and gives back what a reader of the file sees, all tables loaded.
-StorePointer write_model(KZB_STORE* store, const std::string& path);
+// Writes the model whole or not at all, and gives back what a reader of the file sees, all tables loaded. `form` is
+// "binary" or "ascii".
+StorePointer write_model(KZB_STORE* store, const std::string& path, const std::string& form = "binary");
 
 }  // namespace kzb::tool

@@ -1,6 +1,5 @@
 #include "kzb/build_source_map.h"
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -8,14 +7,12 @@
 
 #include "fmt/format.h"
 #include "kzb/build_columns.h"
+#include "kzb/build_row_grid.h"
 #include "kzb/command.h"
 
 namespace kzb::tool {
 
 namespace {
-
-// Two coordinates closer than this part of the axis are one node.
-constexpr double same_node = 1e-7;
 
 struct FrameScales {
     double dq;    // to peak, amplitude-invariant
@@ -32,34 +29,6 @@ FrameScales scales_of(DqFrame frame) {
             break;
     }
     return {1.0, 1.0};
-}
-
-double span_of(const std::vector<double>& coordinates) {
-    const auto [low, high] = std::minmax_element(coordinates.begin(), coordinates.end());
-    return *high - *low;
-}
-
-std::vector<double> nodes_of(std::vector<double> coordinates) {
-    const double tolerance = same_node * span_of(coordinates);
-    std::sort(coordinates.begin(), coordinates.end());
-    std::vector<double> nodes;
-    for (const double x : coordinates) {
-        if (nodes.empty() || x - nodes.back() > tolerance) {
-            nodes.push_back(x);
-        }
-    }
-    return nodes;
-}
-
-std::size_t node_index(const std::vector<double>& nodes, double x) {
-    const auto above = std::lower_bound(nodes.begin(), nodes.end(), x);
-    if (above == nodes.begin()) {
-        return 0;
-    }
-    if (above == nodes.end() || x - *(above - 1) < *above - x) {
-        return static_cast<std::size_t>(above - nodes.begin()) - 1;
-    }
-    return static_cast<std::size_t>(above - nodes.begin());
 }
 
 struct Rows {
@@ -104,58 +73,6 @@ Rows read_rows(const CsvTable& csv, const SourceOptions& options) {
     return rows;
 }
 
-void require_axis(const CsvTable& csv, const char* name, const std::vector<double>& nodes, std::size_t least) {
-    if (nodes.size() < least) {
-        throw Failure(exit_file, fmt::format("{}: {} takes {} value(s), expected a grid with at least {}", csv.name(),
-                                             name, nodes.size(), least));
-    }
-}
-
-// Row of each grid point, theta fastest; refuses a point given twice and a point that is missing.
-std::vector<std::size_t> rows_of_grid(const CsvTable& csv, const SourceMap& map, const Rows& rows) {
-    constexpr std::size_t none = static_cast<std::size_t>(-1);
-    const std::size_t points = map.id.size() * map.iq.size() * map.theta.size();
-    if (points > 16 * csv.row_count() + 16) {  // scattered points would ask for a huge grid
-        throw Failure(exit_file,
-                      fmt::format("{}: not a grid: {} rows for {} x {} x {} different coordinates", csv.name(),
-                                  csv.row_count(), map.id.size(), map.iq.size(), map.theta.size()));
-    }
-    std::vector<std::size_t> at(points, none);
-    for (std::size_t row = 0; row < csv.row_count(); ++row) {
-        const std::size_t k = map.has_positions ? node_index(map.theta, rows.theta[row]) : 0;
-        std::size_t& place = at[map.index(node_index(map.id, rows.id[row]), node_index(map.iq, rows.iq[row]), k)];
-        if (place != none) {
-            throw Failure(exit_file, fmt::format("{}: the point of line {} a second time, expected each point once",
-                                                 csv.place_of(row), csv.line_of(place)));
-        }
-        place = row;
-    }
-    for (std::size_t i = 0; i < map.id.size(); ++i) {
-        for (std::size_t j = 0; j < map.iq.size(); ++j) {
-            for (std::size_t k = 0; k < map.theta.size(); ++k) {
-                if (at[map.index(i, j, k)] == none) {
-                    throw Failure(exit_file,
-                                  fmt::format("{}: no row for id {:g} A, iq {:g} A{}, expected a full grid", csv.name(),
-                                              map.id[i], map.iq[j],
-                                              map.has_positions ? fmt::format(", theta {:g} deg", map.theta[k]) : ""));
-                }
-            }
-        }
-    }
-    return at;
-}
-
-std::vector<double> in_grid_order(const std::vector<double>& column, const std::vector<std::size_t>& at) {
-    std::vector<double> field;
-    if (!column.empty()) {
-        field.reserve(at.size());
-        for (const std::size_t row : at) {
-            field.push_back(column[row]);
-        }
-    }
-    return field;
-}
-
 // The same field without the last position of each line.
 std::vector<double> without_last_position(const std::vector<double>& field, std::size_t positions) {
     std::vector<double> shorter;
@@ -189,7 +106,7 @@ void find_period(const CsvTable& csv, SourceMap& map) {
             }
             map.theta.pop_back();
         }
-        require_axis(csv, "the position", map.theta, 3);
+        require_nodes(csv, "the position", map.theta, 3);
         return;
     }
     throw Failure(exit_file,
@@ -204,20 +121,24 @@ SourceMap read_source_map(const CsvTable& csv, const SourceOptions& options) {
     const Rows rows = read_rows(csv, options);
     SourceMap map;
     map.name = csv.name();
-    map.id = nodes_of(rows.id);
-    map.iq = nodes_of(rows.iq);
     map.has_positions = !rows.theta.empty();
-    map.theta = map.has_positions ? nodes_of(rows.theta) : std::vector<double>{0.0};
-    require_axis(csv, "the d current", map.id, 2);
-    require_axis(csv, "the q current", map.iq, 2);
+    std::vector<Coordinate> axes{{"id", "A", rows.id}, {"iq", "A", rows.iq}};
     if (map.has_positions) {
-        require_axis(csv, "the position", map.theta, 3);
+        axes.push_back({"theta", "deg", rows.theta});
     }
-    const std::vector<std::size_t> at = rows_of_grid(csv, map, rows);
-    map.psi_d = in_grid_order(rows.psi_d, at);
-    map.psi_q = in_grid_order(rows.psi_q, at);
-    map.psi_0 = in_grid_order(rows.psi_0, at);
-    map.torque = in_grid_order(rows.torque, at);
+    const RowGrid grid = rows_on_grid(csv, axes);
+    map.id = grid.nodes[0];
+    map.iq = grid.nodes[1];
+    map.theta = map.has_positions ? grid.nodes[2] : std::vector<double>{0.0};
+    require_nodes(csv, "the d current", map.id, 2);
+    require_nodes(csv, "the q current", map.iq, 2);
+    if (map.has_positions) {
+        require_nodes(csv, "the position", map.theta, 3);
+    }
+    map.psi_d = grid.field(rows.psi_d);
+    map.psi_q = grid.field(rows.psi_q);
+    map.psi_0 = grid.field(rows.psi_0);
+    map.torque = grid.field(rows.torque);
     if (map.has_positions) {
         find_period(csv, map);
     }

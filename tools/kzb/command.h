@@ -46,6 +46,7 @@ struct Context {
 
 void add_info(CLI::App& app, Context& context);
 void add_convert(CLI::App& app, Context& context);
+void add_export_info(CLI::App& app, Context& context);
 void add_plot(CLI::App& app, Context& context);
 void add_run(CLI::App& app, Context& context);
 void add_build(CLI::App& app, Context& context);

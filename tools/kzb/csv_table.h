@@ -27,6 +27,7 @@ class CsvTable {
     // "file:line"
     std::string place_of(std::size_t row) const;
     std::optional<std::size_t> column(std::string_view header_name) const;
+    const std::string& cell(std::size_t row, std::size_t column) const { return cells_[row * header_.size() + column]; }
     // The column as finite numbers, each multiplied by `scale`.
     std::vector<double> numbers(std::size_t column, double scale = 1.0) const;
 

@@ -6,6 +6,7 @@
 #include "KZBCalculator/kzb_store.h"
 #include "fmt/format.h"
 #include "fmt/ranges.h"
+#include "kzb/circuit_netlist.h"
 #include "kzb/command.h"
 #include "kzb/console.h"
 #include "kzb/json.h"
@@ -127,6 +128,9 @@ Json describe(const std::string& file, const ModelFile& model, bool grid) {
         information_rows(kzb_get_basic_information_num(store), kzb_get_basic_information, store);
     result["motor_information"] =
         information_rows(kzb_get_motor_information_num(store), kzb_get_motor_information, store);
+    if (motor_type == generic_motor_type) {
+        result["circuit"] = netlist_of(*store);
+    }
     result["categories"] = Json::array();
     for (const KZB_CATEGORY& category : store->categories) {
         result["categories"].push_back(describe_category(category, grid));
@@ -207,6 +211,7 @@ std::string as_text(const Json& info) {
     text += fmt::format("Applications  {}\n", offered.empty() ? "none" : fmt::format("{}", fmt::join(offered, ", ")));
     text += rows_text("Basic information", info["basic_information"]);
     text += rows_text("Motor information", info["motor_information"]);
+    text += info.contains("circuit") ? netlist_text(info["circuit"]) : "";
     text += fmt::format("\n{} categories\n", info["categories"].size());
     for (const Json& category : info["categories"]) {
         text += category_text(category);

@@ -9,8 +9,6 @@ namespace kzb::tool {
 using Json = nlohmann::ordered_json;
 
 // One document, indented, with a line end. A number that is not finite appears as null.
-inline std::string json_text(const Json& document) {
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
-}
+std::string json_text(const Json& document);
 
 }  // namespace kzb::tool

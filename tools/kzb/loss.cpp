@@ -3,10 +3,12 @@
 #include <memory>
 
 #include "KZBCalculator/kzb_store.h"
+#include "fmt/format.h"
 #include "kzb/command.h"
 #include "kzb/measured_file.h"
 #include "kzb/model_rewrite.h"
 #include "kzb/output_file.h"
+#include "kzb/repeated_point.h"
 
 namespace kzb::tool {
 
@@ -24,6 +26,19 @@ void loss(const Options& options, const Context& context) {
     edit.change = [&options](KZB_STORE& store, Remarks&) {
         take_in(store, options.table, "a loss table",
                 options.kind == "iron" ? kzb_add_loss_table : kzb_add_equivalent_copper_loss_resistance_table);
+        if (const auto repeated = repeated_point(options.table)) {
+            throw Failure(
+                exit_file,
+                fmt::format("{}: line {}: the point of line {} once more, expected each point of the grid once",
+                            options.table, repeated->line, repeated->first));
+        }
+        if (options.kind == "copper") {
+            require_usable_table(store, "equivalent_resistance_table", "copper_loss", options.table);
+        } else if (get_int(store, "control", "motor_type") == 10008) {
+            require_usable_table(store, "ironloss", "table", options.table);
+        } else {
+            require_usable_table(store, "loss_table", "iron_loss", options.table);
+        }
     };
     context.print(outcome_text(rewrite_model(options.rewrite, &edit)));
 }

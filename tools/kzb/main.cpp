@@ -107,6 +107,7 @@ int run_command_line(int argc, char** argv) {
     app.footer("Exit codes: 0 done, 1 the run failed, 2 wrong usage, 3 a file cannot be read or is not valid.");
     add_info(app, context);
     add_convert(app, context);
+    add_export_info(app, context);
     add_plot(app, context);
     add_run(app, context);
     add_build(app, context);

@@ -6,7 +6,9 @@
 
 #include "fmt/format.h"
 #include "kzb/command.h"
+#include "kzb/findings.h"
 #include "kzb/regular_file.h"
+#include "kzb/sound_table.h"
 
 namespace kzb::tool {
 
@@ -39,6 +41,34 @@ void take_in(KZB_STORE& store, const std::string& path, std::string_view expecte
                                       ? "; the last line has no line end and is not read"
                                       : "";
     throw Failure(suited ? exit_file : exit_run_failed, fmt::format("{}: {}{}", path, cause_of(answer), hint));
+}
+
+void require_usable_table(const KZB_STORE& store, const char* category, const char* key, const std::string& path) {
+    const KZB_TABLE* table = find_table(store, category, key);
+    if (table == nullptr || is_sound(*table)) {
+        return;
+    }
+    const auto refuse = [&](const std::string& place, std::string_view what) {
+        throw Failure(exit_file, fmt::format("{}: table {}/{}: {}: {}", path, category, key, place, what));
+    };
+    for (std::size_t i = 0; i < table->values.size(); ++i) {
+        if (is_unusable(table->values[i])) {
+            refuse(value_place(*table, i), fmt::format("{:g}, expected a finite number", table->values[i]));
+        }
+    }
+    for (std::size_t axis = 0; axis < table->axes.size(); ++axis) {
+        const ZeroedArray& nodes = table->axes[axis];
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            if (is_unusable(nodes[i])) {
+                refuse(node_place(axis, i), fmt::format("{:g}, expected a finite number", nodes[i]));
+            }
+            if (i > 0 && nodes[i] <= nodes[i - 1]) {
+                refuse(node_place(axis, i),
+                       fmt::format("{:g} behind {:g}, expected nodes that rise", nodes[i], nodes[i - 1]));
+            }
+        }
+    }
+    refuse("values", "missing");
 }
 
 }  // namespace kzb::tool

@@ -14,4 +14,8 @@ namespace kzb::tool {
 void take_in(KZB_STORE& store, const std::string& path, std::string_view expected,
              const std::function<int(const char*, KZB_STORE*)>& call);
 
+// After take_in(): Failure(exit_file) where a number of that table is none that can be looked up, or the nodes of an
+// axis do not rise. An absent table is in order.
+void require_usable_table(const KZB_STORE& store, const char* category, const char* key, const std::string& path);
+
 }  // namespace kzb::tool

@@ -67,19 +67,20 @@ void Mechanics::advance_free(double h, double torque) {
     const double to_rad = linear_ ? 1.0 : std::numbers::pi / 180.0;
     const double to_omega = linear_ ? 1.0 : rad_per_s_per_rpm;
     const double omega = speed_ * to_omega;
-    const double damping = 1.0 + h * free.viscous / free.inertia;
-    const double pushed = (omega + h / free.inertia * (torque - free.load.at(time_))) / damping;
+    const double stretch = displacement_ * to_rad - free.spring_position + 0.25 * h * omega;
+    const double damping = 1.0 + h * free.viscous / free.inertia + 0.25 * h * h * free.spring / free.inertia;
+    const double pushed = (omega + h / free.inertia * (torque - free.load.at(time_) - free.spring * stretch)) / damping;
     const double next = towards_zero(pushed, h * free.coulomb / free.inertia / damping);
     displacement_ += h * 0.5 * (omega + next) / to_rad;
     speed_ = next / to_omega;
-    // A stop takes all speed towards it.
+    // A stop turns the speed towards it back, or takes it.
     if (free.lower && displacement_ <= *free.lower) {
         displacement_ = *free.lower;
-        speed_ = std::max(0.0, speed_);
+        speed_ = std::max(-free.restitution * speed_, speed_);
     }
     if (free.upper && displacement_ >= *free.upper) {
         displacement_ = *free.upper;
-        speed_ = std::min(0.0, speed_);
+        speed_ = std::min(-free.restitution * speed_, speed_);
     }
 }
 

@@ -1,15 +1,20 @@
 // The motion of the machine: locked, at a given speed, at given positions, or a mass that the torque moves.
 //
-//   inertia * d omega / dt = torque - load - viscous * omega - coulomb * sign(omega)
+//   inertia * d omega / dt = torque - load - viscous * omega - coulomb * sign(omega) - spring * (x - x_free)
 //
-// One step from t_k to t_k+1 with the torque of t_k, viscous friction implicit, Coulomb friction stopping at
-// standstill:
+// One step from t_k to t_k+1 with the torque of t_k, viscous friction and the change of the spring force implicit,
+// Coulomb friction stopping at standstill:
 //
-//   omega* = (omega_k + h / inertia * (torque_k - load_k)) / (1 + h * viscous / inertia)
-//   omega_k+1 = omega* moved towards 0 by at most h * coulomb / inertia / (1 + h * viscous / inertia)
+//   D = 1 + h * viscous / inertia + h^2 * spring / (4 inertia)
+//   omega* = (omega_k + h / inertia * (torque_k - load_k - spring * (x_k - x_free + h * omega_k / 4))) / D
+//   omega_k+1 = omega* moved towards 0 by at most h * coulomb / inertia / D
 //   x_k+1 = x_k + h * (omega_k + omega_k+1) / 2
 //
-// For a linear machine read mass for inertia, force for torque, metres for radians.
+// so that the spring acts with its mean over the step. At a stop the speed towards it turns back, times the
+// restitution.
+//
+// For a linear machine read mass for inertia, force for torque, metres for radians. Springs and stops are of linear
+// machines.
 #pragma once
 
 #include <optional>
@@ -25,6 +30,9 @@ struct FreeMotion {
     Waveform load;                // N*m, or N; acts against positive motion
     std::optional<double> lower;  // stops of a linear machine, m
     std::optional<double> upper;
+    double spring = 0.0;           // N/m, of a linear machine
+    double spring_position = 0.0;  // m, where the spring has no force
+    double restitution = 0.0;      // speed after a stop per speed before it
 };
 
 enum class Motion { locked, speed, positions, free };

@@ -5,6 +5,7 @@
 #include "fmt/format.h"
 #include "fmt/ranges.h"
 #include "kzb/command.h"
+#include "kzb/outputs_ac.h"
 #include "kzb/text.h"
 
 namespace kzb::tool {
@@ -64,6 +65,24 @@ void add_losses(Outputs& outputs, const Machine& machine) {
     }
 }
 
+// Machines of separate coils. Asking such a machine for an inductance ends the sample's history, so those come last;
+// of the stepping motor only one element could be asked for.
+void add_coil_outputs(Outputs& outputs, const Machine& machine) {
+    add_phases(outputs, machine, "v_induced", "V", true, kzbcalcGetInducedVoltage);
+    if (!machine.is_reluctance()) {
+        add_phases(outputs, machine, "v_winding", "V", false, kzbcalcGetVoltage);
+        add_phases(outputs, machine, "magnet_flux", "Wb", false, kzbcalcGetMagFlux);
+    }
+    add_value(outputs, "resistance", "Ohm", kzbcalcGetResistance);
+    add_losses(outputs, machine);
+    if (!machine.is_stepper()) {
+        const std::size_t before = outputs.size();
+        add_inductances(outputs, machine);
+        std::for_each(outputs.begin() + static_cast<std::ptrdiff_t>(before), outputs.end(),
+                      [](Output& output) { output.ends_sample = true; });
+    }
+}
+
 }  // namespace
 
 std::vector<Output> outputs_of(const Machine& machine, bool current_driven, KZB_CALC* handle) {
@@ -80,6 +99,19 @@ std::vector<Output> outputs_of(const Machine& machine, bool current_driven, KZB_
     outputs.push_back({machine.linear ? "force" : "torque", machine.linear ? "force" : "torque",
                        machine.linear ? "N" : "Nm", true,
                        [](const Sample& sample, KZB_CALC*) { return sample.torque; }});
+    if (machine.has_separate_coils()) {
+        add_coil_outputs(outputs, machine);
+        return outputs;
+    }
+    if (machine.is_induction()) {
+        add_induction_outputs(outputs, machine, handle);
+        return outputs;
+    }
+    if (machine.is_wound_field()) {
+        add_wound_field_outputs(outputs, machine, handle);
+        add_user_parameters(outputs, handle);
+        return outputs;
+    }
     add_phases(outputs, machine, "v_induced", "V", true, kzbcalcGetInducedVoltage);
     add_phases(outputs, machine, "v_winding", "V", false, kzbcalcGetVoltage);
     if (machine.motor_type == 10000) {
@@ -108,7 +140,8 @@ std::vector<Output> chosen_outputs(const std::vector<Output>& offered, const Sce
     for (const RecordWish& wish : scenario.record) {
         bool found = false;
         for (const Output& output : offered) {
-            if (wish.name != output.name && wish.name != output.group && wish.name != output.column()) {
+            if (wish.name != output.name && wish.name != output.group && wish.name != output.column() &&
+                (output.label.empty() || wish.name != output.label)) {
                 continue;
             }
             found = true;
@@ -129,6 +162,7 @@ std::vector<Output> chosen_outputs(const std::vector<Output>& offered, const Sce
                                                  printable_line(wish.name), fmt::join(groups, ", ")));
         }
     }
+    std::stable_partition(chosen.begin(), chosen.end(), [](const Output& output) { return !output.ends_sample; });
     return chosen;
 }
 

@@ -17,7 +17,11 @@ struct Sample {
     double displacement = 0.0;    // degrees, or metres
     double speed = 0.0;           // rpm, or m/s
     double torque = 0.0;          // or force; read once per sample, since reading it can be the evaluation
-    std::vector<double> applied;  // input of each phase
+    std::vector<double> applied;  // input of each phase, or source
+    // Of each motion of a generic model.
+    std::vector<double> displacements;
+    std::vector<double> speeds;
+    std::vector<double> forces;
 };
 
 struct Output {
@@ -26,6 +30,8 @@ struct Output {
     std::string unit;   // "A"; empty when the KZB file does not tell it
     bool by_default = true;
     std::function<double(const Sample&, KZB_CALC*)> read;
+    bool ends_sample = false;  // reading it moves the history of the machine on: after all others
+    std::string label = {};    // of the library's own list of ports; names the output too
 
     // Unit in the last part: "i_u_A".
     std::string column() const { return unit.empty() ? name : name + '_' + unit; }

@@ -64,7 +64,7 @@ int integer_of(const Parameter& parameter, const std::string& text) {
 double number_of(const Parameter& parameter, const std::string& text) {
     const std::optional<double> value = finite_number(text);
     if (!value) {
-        throw Failure(exit_usage, fmt::format("{}: \"{}\" is not a finite number with a decimal point",
+        throw Failure(exit_usage, fmt::format("{}: \"{}\" is not a finite number, expected one such as 0.021",
                                               printable_line(parameter.name.text()), printable_line(text)));
     }
     return *value;
@@ -126,7 +126,7 @@ std::optional<Parameter> find_parameter(const KZB_STORE& store, const std::strin
 }
 
 std::string unknown_parameter(const KZB_STORE& store, const std::string& name) {
-    const std::string shown = printable_line(name);
+    const std::string shown = name.empty() ? "\"\"" : printable_line(name);
     const std::optional<EntryName> entry =
         find_entry(name, [&store](const EntryName& tried) { return has_category(store, tried.category); });
     if (!entry) {

@@ -6,13 +6,17 @@
 
 #include "KZBCalculator/kzb_store.h"
 #include "fmt/format.h"
+#include "kzb/circuit_netlist.h"
 #include "kzb/command.h"
 #include "kzb/console.h"
+#include "kzb/generic_machine.h"
+#include "kzb/generic_simulation.h"
 #include "kzb/gnuplot.h"
 #include "kzb/json.h"
 #include "kzb/model_file.h"
 #include "kzb/output_file.h"
 #include "kzb/run_plot.h"
+#include "kzb/run_report.h"
 #include "kzb/simulation.h"
 #include "kzb/statistics.h"
 #include "kzb/status_text.h"
@@ -81,7 +85,9 @@ Json summary_head(const Options& options, const Machine& machine, const Scenario
     summary["file"] = valid_utf8(options.file);
     summary["scenario"] = valid_utf8(options.scenario);
     summary["motor_type"] = machine.motor_type;
-    summary["drive"] = scenario.current_driven ? "current" : "voltage";
+    if (!machine.generic) {
+        summary["drive"] = scenario.current_driven ? "current" : "voltage";
+    }
     summary["start_s"] = scenario.start;
     summary["step_s"] = scenario.step;
     summary["steps"] = scenario.samples;
@@ -156,6 +162,13 @@ void warn_of_run(const Options& options, const Simulation& simulation, const std
         warn(fmt::format("{}: {} steps had a table lookup with error {}: {}", options.file, steps, code,
                          error_text(code)));
     }
+    for (const AxisExit& exit : simulation.exits()) {
+        warn(fmt::format("{}: {}", options.file, exit_text(exit)));
+    }
+    if (const auto passes = passes_of(*simulation.handle()); passes && passes->unconverged_steps > 0) {
+        warn(fmt::format("{}: {} of {} solved steps did not converge within 50 passes; the best pass stands",
+                         options.file, passes->unconverged_steps, passes->solved_steps));
+    }
     for (std::size_t k = 0; k < outputs.size(); ++k) {
         if (statistics[k].not_finite() > 0) {
             warn(fmt::format("{}: {} values of {} are not finite", options.file, statistics[k].not_finite(),
@@ -172,7 +185,13 @@ Machine machine_in(const std::string& file) {
     if (const int warning = kzb_has_warning(model.store.get()); warning != 0) {
         warn(fmt::format("{}: {}", file, warning_text(warning)));
     }
-    return machine_of(kzb_get_int("control", "motor_type", model.store.get()), file);
+    Machine machine = machine_of(kzb_get_int("control", "motor_type", model.store.get()), file);
+    machine.number_of_poles = kzb_get_int("control", "number_of_poles", model.store.get());
+    if (machine.motor_type == generic_motor_type) {
+        machine.generic = std::make_shared<const GenericMachine>(read_generic_machine(*model.store));
+    }
+    machine.slip_tables = kzb_has_category("InductionParam_HigherAccuracy", model.store.get()) == 1;
+    return machine;
 }
 
 // The rows may not take the place of what the run reads or draws.
@@ -197,7 +216,8 @@ void run(const Options& options, const Context& context) {
     }
     const Machine machine = machine_in(options.file);
     const Scenario scenario = read_scenario(options.scenario, machine);
-    Simulation simulation(options.file, machine, scenario);
+    const std::unique_ptr<Simulation> made = make_simulation(options.file, machine, scenario);
+    Simulation& simulation = *made;
     simulation.configure();
     Json summary = summary_head(options, machine, scenario);
     if (!simulation.failed_sets().empty()) {
@@ -239,13 +259,17 @@ void run(const Options& options, const Context& context) {
     summary["recorded"] = recorded;
     summary["failed_sets"] = failed_sets(simulation.failed_sets());
     summary["lookup_errors"] = lookup_report(simulation.lookup_errors());
+    summary["lookup_exits"] = exits_json(simulation.exits());
+    const auto passes = passes_of(*simulation.handle());
+    summary["passes"] = passes_json(passes);
     summary["outputs"] = statistics_report(outputs, statistics);
+    const std::string text = summary_text(options, scenario, recorded, outputs, statistics) + passes_text(passes);
     if (options.json) {
         context.print(json_text(summary));
     } else if (options.csv_on_stdout()) {
-        tell(summary_text(options, scenario, recorded, outputs, statistics));
+        tell(text);
     } else {
-        context.print(summary_text(options, scenario, recorded, outputs, statistics));
+        context.print(text);
     }
 }
 

@@ -6,6 +6,8 @@
 #include "fmt/ranges.h"
 #include "kzb/command.h"
 #include "kzb/input_text.h"
+#include "kzb/scenario_generic.h"
+#include "kzb/scenario_motion.h"
 #include "kzb/scenario_section.h"
 #include "kzb/scenario_settings.h"
 #include "kzb/scenario_waveform.h"
@@ -52,29 +54,17 @@ void read_sources(Section& root, const Machine& machine, WaveformReader& wavefor
     if (!sources) {
         root.missing("sources");
     }
-    const double lag_deg = 360.0 / static_cast<double>(machine.phases.size());
+    const std::size_t rotating = machine.rotating_phases();
+    const double lag_deg = 360.0 / static_cast<double>(rotating);
     const std::optional<Waveform> all = waveforms.read(*sources, "all");
     for (std::size_t k = 0; k < machine.phases.size(); ++k) {
         const std::optional<Waveform> own = waveforms.read(*sources, machine.phases[k]);
-        if (!own && !all) {
+        if (!own && (!all || k >= rotating)) {
             sources->missing(machine.phases[k]);
         }
         scenario.sources.push_back(own ? *own : all->shifted(lag_deg * static_cast<double>(k)));
     }
     sources->end();
-}
-
-std::pair<double, double> read_window(const Section& section, const std::string& phase, const toml::node& entry) {
-    const toml::array* pair = entry.as_array();
-    if (pair == nullptr || pair->size() != 2 || !pair->get(0)->is_number() || !pair->get(1)->is_number()) {
-        section.fail(phase, "expected pairs [from, to] of times in seconds, such as [[0.01, 0.02], [0.05, inf]]");
-    }
-    const double from = *pair->get(0)->value<double>();
-    const double to = *pair->get(1)->value<double>();
-    if (!(from < to)) {
-        section.fail(phase, fmt::format("the time {} is not before {}", from, to));
-    }
-    return {from, to};
 }
 
 void read_open_phases(Section& root, const Machine& machine, Scenario& scenario) {
@@ -84,45 +74,9 @@ void read_open_phases(Section& root, const Machine& machine, Scenario& scenario)
         return;
     }
     for (std::size_t k = 0; k < machine.phases.size(); ++k) {
-        if (const toml::array* windows = section->array(machine.phases[k])) {
-            for (const toml::node& entry : *windows) {
-                scenario.open_phase[k].push_back(read_window(*section, machine.phases[k], entry));
-            }
-        }
+        scenario.open_phase[k] = read_windows(*section, machine.phases[k]);
     }
     section->end();
-}
-
-// Keys carry their unit: angles and speeds of rotary machines have an ending, those of linear ones are SI without.
-struct MotionKeys {
-    const char* position;
-    const char* speed;
-    const char* start_speed;
-    const char* inertia;
-    const char* free_type;
-};
-
-MotionKeys keys_of(const Machine& machine) {
-    if (machine.linear) {
-        return {"start_position", "speed", "start_speed", "mass", "mover"};
-    }
-    return {"start_angle_deg", "speed_rpm", "start_speed_rpm", "inertia", "rotor"};
-}
-
-void read_free_motion(Section& section, const MotionKeys& keys, const Machine& machine, WaveformReader& waveforms,
-                      MotionData& motion) {
-    motion.start_speed = section.number(keys.start_speed).value_or(0.0);
-    motion.free.inertia = section.required(keys.inertia, section.positive(keys.inertia));
-    motion.free.viscous = section.not_negative("viscous_friction").value_or(0.0);
-    motion.free.coulomb = section.not_negative("coulomb_friction").value_or(0.0);
-    motion.free.load = waveforms.read(section, "load").value_or(Waveform());
-    if (machine.linear) {
-        motion.free.lower = section.number("lower_stop");
-        motion.free.upper = section.number("upper_stop");
-        if (motion.free.lower && motion.free.upper && !(*motion.free.lower < *motion.free.upper)) {
-            section.fail("upper_stop", "not above lower_stop");
-        }
-    }
 }
 
 void read_motion(Section& root, const Machine& machine, WaveformReader& waveforms, Scenario& scenario) {
@@ -130,24 +84,13 @@ void read_motion(Section& root, const Machine& machine, WaveformReader& waveform
     if (!section) {
         return;
     }
-    const MotionKeys keys = keys_of(machine);
     MotionData& motion = scenario.motion;
-    const auto type =
-        section->required("type", section->choice("type", {"locked", "speed", "positions", keys.free_type}));
-    motion.kind = static_cast<Motion>(type);
-    motion.start = section->number(keys.position).value_or(0.0);
-    switch (motion.kind) {
-        case Motion::locked:
-            break;
-        case Motion::speed:
-            motion.speed = section->required(keys.speed, waveforms.read(*section, keys.speed));
-            break;
-        case Motion::positions:
-            motion.position = Waveform(waveforms.points(*section));
-            break;
-        case Motion::free:
-            read_free_motion(*section, keys, machine, waveforms, motion);
-            break;
+    if (machine.is_induction() && section->text("type") == "slip") {
+        motion.kind = Motion::speed;
+        motion.start = section->number("start_angle_deg").value_or(0.0);
+        motion.speed = Waveform(Constant{speed_of_slip(*section, machine)});
+    } else {
+        read_motion_keys(*section, machine.linear, waveforms, motion);
     }
     section->end();
 }
@@ -185,12 +128,26 @@ Scenario read_scenario(const std::string& file, const Machine& machine) {
     Section root(document, "", file);
     Scenario scenario;
     scenario.file = file;
-    scenario.current_driven = root.required("drive", root.choice("drive", {"voltage", "current"})) == 1;
+    const auto drive = root.choice("drive", {"voltage", "current"});
+    if (!machine.generic) {
+        scenario.current_driven = root.required("drive", drive) == 1;
+    }
     read_time(root, scenario);
     WaveformReader waveforms(file, scenario.step);
-    read_sources(root, machine, waveforms, scenario);
+    if (machine.generic) {
+        read_generic(root, *machine.generic, drive.value_or(0) == 1, waveforms, scenario);
+        read_settings(root, machine, scenario);
+        read_record(root, scenario);
+        root.end();
+        return scenario;
+    }
+    scenario.supply = read_supply(root, machine, scenario.current_driven, waveforms);
+    if (std::holds_alternative<std::monostate>(scenario.supply)) {
+        read_sources(root, machine, waveforms, scenario);
+    }
     read_open_phases(root, machine, scenario);
     read_motion(root, machine, waveforms, scenario);
+    scenario.slip = read_slip(root, machine, waveforms);
     read_settings(root, machine, scenario);
     read_record(root, scenario);
     root.end();

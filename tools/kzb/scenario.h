@@ -11,6 +11,9 @@
 #include "KZBCalculator/kzbcalc.h"
 #include "kzb/machine.h"
 #include "kzb/mechanics.h"
+#include "kzb/scenario_generic.h"
+#include "kzb/scenario_slip.h"
+#include "kzb/scenario_supply.h"
 #include "kzb/waveform.h"
 
 namespace kzb::tool {
@@ -35,9 +38,12 @@ struct Scenario {
     std::uint64_t samples = 0;  // at start, start + step, ... up to stop
     double time_of(std::uint64_t sample) const { return start + static_cast<double>(sample) * step; }
 
-    std::vector<Waveform> sources;                                   // one per phase
+    std::vector<Waveform> sources;                                   // one per phase, or none with a supply
+    SupplyData supply;                                               // monostate: the sources
     std::vector<std::vector<std::pair<double, double>>> open_phase;  // per phase: [from, to) without a connection
     MotionData motion;
+    SlipData slip;                       // of an induction machine with tables over it
+    GenericScenario generic;             // of a generic model
     std::vector<ModelCall> before_data;  // calls before kzbcalcSetData
     std::vector<ModelCall> after_data;   // and after it
 

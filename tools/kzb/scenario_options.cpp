@@ -1,11 +1,21 @@
 #include "kzb/scenario_options.h"
 
+#include <numbers>
+
+#include "interface/kzbcalc_handle.h"
+
 namespace kzb::tool {
 
 namespace {
 
 constexpr Stage before = Stage::before_data;
 constexpr Stage after = Stage::after_data;
+
+// A linear solenoid takes this one value for degrees, as rotary machines do, and adds the radians to its metres.
+int set_initial_position(double metres, KZB_CALC* handle) {
+    const bool as_degrees = handle != nullptr && handle->motor_type == 10004;
+    return kzbcalcSetInitialDisplacement(as_degrees ? metres * 180.0 / std::numbers::pi : metres, handle);
+}
 
 // Keys state their unit where it is none of the SI, or where one could doubt it: temperatures are in kelvin.
 // clang-format off
@@ -65,7 +75,7 @@ const std::vector<ScenarioOption> options = {
     {"initial", "current", "A", after, KZB_CALL(PhaseCall, kzbcalcSetInitialCurrent)},
     {"initial", "displacement_deg", "degrees", after, KZB_CALL(NumberCall, kzbcalcSetInitialDisplacement), nullptr,
      Travel::rotary},
-    {"initial", "displacement", "m", after, KZB_CALL(NumberCall, kzbcalcSetInitialDisplacement), nullptr,
+    {"initial", "displacement", "m", after, "kzbcalcSetInitialDisplacement", NumberCall{set_initial_position}, nullptr,
      Travel::linear},
     {"initial", "time", "s", after, KZB_CALL(NumberCall, kzbcalcSetInitialTime)},
 };

@@ -45,7 +45,7 @@ std::optional<Waveform> WaveformReader::read(Section& section, std::string_view 
 }
 
 Waveform WaveformReader::typed(Section& section) {
-    const auto type = section.required("type", section.choice("type", {"dc", "sine", "pwm", "csv"}));
+    const auto type = section.required("type", section.choice("type", {"dc", "sine", "pwm", "csv", "steps"}));
     switch (type) {
         case 0:
             return Waveform(Constant{section.required("value", section.number("value"))});
@@ -53,9 +53,30 @@ Waveform WaveformReader::typed(Section& section) {
             return Waveform(sine(section));
         case 2:
             return Waveform(pwm(section));
-        default:
+        case 3:
             return Waveform(points(section));
+        default:
+            return Waveform(steps(section));
     }
+}
+
+Steps WaveformReader::steps(Section& section) {
+    std::vector<double> times = section.numbers("times");
+    std::vector<double> values = section.numbers("values");
+    if (times.empty()) {
+        section.missing("times");
+    }
+    if (times.size() != values.size()) {
+        section.fail("values",
+                     fmt::format("{} values for {} times, expected one for each", values.size(), times.size()));
+    }
+    for (std::size_t n = 1; n < times.size(); ++n) {
+        if (!(times[n] > times[n - 1])) {
+            section.fail("times", fmt::format("{} is not above {} before it", times[n], times[n - 1]));
+        }
+    }
+    return {std::make_shared<const std::vector<double>>(std::move(times)),
+            std::make_shared<const std::vector<double>>(std::move(values))};
 }
 
 Sine WaveformReader::sine(Section& section) {

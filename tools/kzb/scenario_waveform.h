@@ -26,6 +26,7 @@ class WaveformReader {
     Waveform typed(Section& section);
     Sine sine(Section& section);
     Pwm pwm(Section& section);
+    Steps steps(Section& section);
     const CsvTable& table(Section& section, const std::string& name);
     std::filesystem::path folder_;
     double step_;

@@ -22,10 +22,10 @@ struct Options {
 
 // In the order in which the findings are listed.
 constexpr void (*checks[])(const Examined&, Findings&) = {
-    check_damage,       check_entries,     check_motor_type,      check_machine_parameters,
-    check_applications, check_loss_tables, check_user_parameters, check_scalars,
-    check_axes,         check_values,      check_cyclic_ends,     check_torque,
-    check_inductance,
+    check_damage,       check_entries,       check_motor_type,      check_machine_parameters,
+    check_applications, check_loss_tables,   check_user_parameters, check_scalars,
+    check_axes,         check_values,        check_cyclic_ends,     check_torque,
+    check_inductance,   check_generic_model,
 };
 
 // A file with a placeholder in it is one node short; what the reader stumbles over later does not tell that.

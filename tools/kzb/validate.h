@@ -38,6 +38,8 @@ void check_user_parameters(const Examined& model, Findings& findings);
 void check_torque(const Examined& model, Findings& findings);
 // validate_inductance.cpp: inductance-symmetry, inductance-indefinite, inductance-negative
 void check_inductance(const Examined& model, Findings& findings);
+// validate_generic.cpp: circuit, base-potential, source-ports, coil-group, expression, table-absent
+void check_generic_model(const Examined& model, Findings& findings);
 
 // The message behind a table that holds one zero and no node, as one that was written before its values were loaded.
 inline constexpr const char* placeholder_text =

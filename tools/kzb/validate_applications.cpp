@@ -48,17 +48,24 @@ std::optional<double> period_of(const KZB_STORE& store, int motor_type) {
 void check_components(const KZB_TABLE& table, const TableUse& use, std::size_t axis, int components,
                       Findings& findings) {
     const ZeroedArray& nodes = table.axes[axis];
-    if (table.sizes[axis] != components) {
-        findings.error("component-axis", {use.category, use.key, axis_place(axis)},
+    const Subject subject{use.category, use.key, axis_place(axis)};
+    if (table.sizes[axis] < components) {
+        findings.error("component-axis", subject,
                        fmt::format("{} components, expected {}", table.sizes[axis], components));
         return;
     }
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        if (std::abs(nodes[i] - static_cast<double>(i)) > KZB_AXIS_TOL) {
-            findings.error("component-axis", {use.category, use.key, node_place(axis, i)},
-                           fmt::format("{:g}, expected the number of the component, {}", nodes[i], i));
+    for (int i = 0; i < components; ++i) {
+        const auto node = static_cast<std::size_t>(i);
+        if (std::abs(nodes[node] - static_cast<double>(i)) > KZB_AXIS_TOL) {
+            findings.error("component-axis", {use.category, use.key, node_place(axis, node)},
+                           fmt::format("{:g}, expected the number of the component, {}", nodes[node], i));
             return;
         }
+    }
+    if (table.sizes[axis] > components) {
+        findings.warning(
+            "component-axis", subject,
+            fmt::format("{} components, expected {}; the others are not looked up", table.sizes[axis], components));
     }
 }
 

@@ -14,6 +14,8 @@ namespace {
 
 // Of the largest value of the table; far below what the interpolation between nodes is worth.
 constexpr double cyclic_tolerance = 1e-3;
+// Of the largest value of the tables of the category: a component that is zero but for rounding has no size of its own.
+constexpr double rounding = 1e-9;
 // Of one table; no model looks a table of more axes up, and a broken file may hold millions.
 constexpr std::size_t most_axes = 64;
 
@@ -62,7 +64,7 @@ double largest_magnitude(const KZB_TABLE& table) {
 }
 
 // The worst pair of end values of one cyclic axis.
-void compare_ends(const KZB_TABLE& table, const std::string& category, std::size_t axis, double largest,
+void compare_ends(const KZB_TABLE& table, const std::string& category, std::size_t axis, double tolerance,
                   Findings& findings) {
     const std::size_t stride = stride_of(table, axis);
     const std::size_t to_last = (rows_of(table, axis) - 1) * stride;
@@ -73,7 +75,7 @@ void compare_ends(const KZB_TABLE& table, const std::string& category, std::size
     for (std::size_t block = 0; block < table.values.size(); block += to_last + stride) {
         for (std::size_t i = block; i < block + stride; ++i) {
             const double gap = std::abs(values[i] - values[i + to_last]);
-            if (gap <= cyclic_tolerance * largest || is_unusable(gap)) {
+            if (gap <= tolerance || is_unusable(gap)) {
                 continue;
             }
             ++differing;
@@ -88,8 +90,8 @@ void compare_ends(const KZB_TABLE& table, const std::string& category, std::size
             "cyclic-ends", {category, table.keyword, axis_place(axis) + ", " + value_place(table, worst)},
             fmt::format("{:.6g} at the first node of a cyclic axis, {:.6g} at its last; expected the same within {:g} "
                         "({:g} % of the largest value; {} of {} pairs differ)",
-                        values[worst], values[worst + to_last], cyclic_tolerance * largest, 100.0 * cyclic_tolerance,
-                        differing, table.values.size() / rows_of(table, axis)));
+                        values[worst], values[worst + to_last], tolerance, 100.0 * cyclic_tolerance, differing,
+                        table.values.size() / rows_of(table, axis)));
     }
 }
 
@@ -111,15 +113,19 @@ void check_axes(const Examined& model, Findings& findings) {
 
 void check_cyclic_ends(const Examined& model, Findings& findings) {
     for (const KZB_CATEGORY& category : model.store.categories) {
+        double largest_of_all = 0.0;
+        for (const KZB_TABLE& table : category.tables) {
+            largest_of_all = std::max(largest_of_all, has_values(table) ? largest_magnitude(table) : 0.0);
+        }
         for (const KZB_TABLE& table : category.tables) {
             const auto closes = [](int flag) { return flag > 0; };
             if (!has_values(table) || std::none_of(table.cyclic.begin(), table.cyclic.end(), closes)) {
                 continue;
             }
-            const double largest = largest_magnitude(table);
+            const double tolerance = std::max(cyclic_tolerance * largest_magnitude(table), rounding * largest_of_all);
             for (std::size_t axis = 0; axis < std::min(table.cyclic.size(), most_axes); ++axis) {
                 if (closes(table.cyclic[axis]) && table.sizes[axis] > 1) {
-                    compare_ends(table, category.name, axis, largest, findings);
+                    compare_ends(table, category.name, axis, tolerance, findings);
                 }
             }
         }

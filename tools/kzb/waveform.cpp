@@ -57,6 +57,11 @@ double Points::at(double t) const {
     return value[above - 1] + part * (value[above] - value[above - 1]);
 }
 
+double Steps::at(double t) const {
+    const auto above = std::upper_bound(times->begin(), times->end(), t) - times->begin();
+    return (*values)[static_cast<std::size_t>(std::max<std::ptrdiff_t>(above, 1) - 1)];
+}
+
 double Waveform::sample(double from, double to) const {
     if (const Pwm* pwm = std::get_if<Pwm>(&form_); pwm != nullptr && pwm->mean) {
         return pwm->mean_between(from, to);

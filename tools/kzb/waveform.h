@@ -1,4 +1,4 @@
-// A quantity over time: constant, sine, pulse-width modulated, or points of a CSV file.
+// A quantity over time: constant, sine, pulse-width modulated, points of a CSV file, or steps.
 //
 //   sine  f(t) = offset + amplitude * sin(2 pi frequency t + phase)
 //   pwm   high during the part `duty` in the middle of each carrier period, else low; the duty is taken at the start of
@@ -45,9 +45,16 @@ struct Points {
     double at(double t) const;
 };
 
+// The value of the last time at or before t; before the first time the first value.
+struct Steps {
+    std::shared_ptr<const std::vector<double>> times;  // ascending
+    std::shared_ptr<const std::vector<double>> values;
+    double at(double t) const;
+};
+
 class Waveform {
   public:
-    using Form = std::variant<Constant, Sine, Pwm, Points>;
+    using Form = std::variant<Constant, Sine, Pwm, Points, Steps>;
     Waveform() = default;
     explicit Waveform(Form form) : form_(std::move(form)) {}
 

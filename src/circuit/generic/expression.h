@@ -21,6 +21,8 @@ class Expression {
     Expression(Expression&&) noexcept;
     Expression& operator=(Expression&&) noexcept;
 
+    // False for a text or a name that can't be read.
+    bool is_readable() const { return parser_ != nullptr; }
     // One value per name, in their order.
     std::vector<double>& values() { return given_; }
     // Of the values that stand.

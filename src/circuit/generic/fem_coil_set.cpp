@@ -3,8 +3,8 @@
 #include <boost/make_shared.hpp>
 #include <cmath>
 
-#include "store/record_list.h"
 #include "models/park.h"
+#include "store/record_list.h"
 
 namespace kzb {
 namespace {

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "circuit/generic/fem_table_model.h"
-#include "store/record_list.h"
 #include "models/environment.h"
+#include "store/record_list.h"
 
 namespace kzb {
 namespace {

@@ -3,9 +3,10 @@
 //   body(axes left) = size, then per index: node, body(one axis fewer)        while more than two axes are left
 //   body(2)         = rows, columns; nodes of the last axis; per row: node, values
 //
-// The table is created at its first block, from the sizes met by then; memory is taken for no more values than the rest
-// of the file can hold. A later block may have other sizes: what lies outside the table is read over and told once for
-// that block. The walk keeps its own stack, so that the number of axes is bounded by the file alone.
+// The table is created at its first block, from the sizes met by then; beyond a moderate size memory is taken for no
+// more values than the rest of the file can hold. A later block may have other sizes: what lies outside the table is
+// read over and told once for that block. The walk keeps its own stack, so that the number of axes is bounded by the
+// file alone.
 //
 // A Form tells how numbers stand in its file; each of its calls is false where the file holds none:
 //   take_size(size), take_node(node)       in front of a body with more than two axes
@@ -70,6 +71,8 @@ class LegacyBody {
         std::ptrdiff_t start = 0;  // of their part of the values
     };
 
+    static constexpr std::int64_t always_created = 1 << 12;  // values
+
     static bool is_size(int size) {
         if (size < 1) {
             std::perror("The num of row is zero.\n");
@@ -115,7 +118,8 @@ class LegacyBody {
         }
         sizes.push_back(rows);
         sizes.push_back(columns);
-        std::int64_t fitting = form_.most_values();
+        // Later blocks may be smaller than the first: a table of moderate size need not fill the rest of the file.
+        std::int64_t fitting = std::max(form_.most_values(), always_created);
         for (const int size : sizes) {
             fitting /= size;
         }

@@ -8,6 +8,7 @@ namespace kzb {
 namespace {
 
 constexpr LegacyApplication any{};
+constexpr int any_dim = 0;  // also one below 1, which a broken file may tell
 constexpr LegacyApplication ld_lq{"PMSM", "LdLq"};
 constexpr LegacyApplication simple_harmonic{"PMSM", "SimpleHarmonic"};
 constexpr LegacyApplication harmonic{"PMSM", "Harmonic"};
@@ -20,7 +21,7 @@ struct Mapping {
     std::array<std::string_view, 3> names;
     LegacyApplication application;
     std::string_view category;
-    int least_dim = 0;
+    int least_dim = any_dim;
 };
 
 using Names = std::array<std::string_view, 3>;
@@ -86,7 +87,8 @@ LegacyApplication legacy_application(int motor_type, int accuracy_type, std::str
 
 std::string_view legacy_category(std::string_view name, const LegacyApplication& application, int dim) {
     const auto* row = std::find_if(mappings.begin(), mappings.end(), [&](const Mapping& candidate) {
-        return names_table(candidate, name) && serves(candidate, application) && dim >= candidate.least_dim;
+        return names_table(candidate, name) && serves(candidate, application) &&
+               (candidate.least_dim == any_dim || dim >= candidate.least_dim);
     });
     return row == mappings.end() ? name : row->category;
 }

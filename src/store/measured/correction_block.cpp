@@ -81,14 +81,14 @@ bool read_block(KZB_STORE& store, TextLines& lines, std::string_view head, const
     std::string_view first;
     std::vector<double> column_nodes;
     lines.next(room);
-    if (!take_numbers(lines.line_without_last_comma(), columns, first, column_nodes)) {
+    if (!take_numbers(lines.fields(), columns, first, column_nodes)) {
         return corrupt(store);
     }
     std::vector<double> row_nodes;
     std::vector<double> values;
     for (int row = 0; row < rows; ++row) {
         lines.next(room);
-        const bool whole = take_numbers(lines.line_without_last_comma(), columns, first, values);
+        const bool whole = take_numbers(lines.fields(), columns, first, values);
         // The numbers before a missing one are in the table.
         for (std::size_t column = 0; column < values.size(); ++column) {
             const int at[2] = {row, static_cast<int>(column)};

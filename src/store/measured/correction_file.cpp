@@ -96,7 +96,7 @@ class CorrectionFile {
 bool CorrectionFile::read_items() {
     for (;;) {
         if (lines_.next(item_line_limit)) {
-            read_item(lines_.line_without_last_comma());
+            read_item(std::string(lines_.fields()));  // a copy: the lines of a block replace the line
         }
         if (progress_.ended) {
             return true;
@@ -116,12 +116,11 @@ void CorrectionFile::read_item(const std::string& line) {
     if (!line.starts_with('$')) {
         return;
     }
-    const std::string copy = line;  // the lines of a block replace the line
-    CommaTokens tokens(copy);
+    CommaTokens tokens(line);
     std::string_view word;
     tokens.take(word);
     word = trimmed(word);
-    if (read_marker(word, tokens) || read_table(word, copy) || read_leakage(word, tokens)) {
+    if (read_marker(word, tokens) || read_table(word, line) || read_leakage(word, tokens)) {
         return;
     }
     if (!progress_.old_item) {  // the first one alone is told

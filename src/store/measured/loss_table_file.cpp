@@ -157,8 +157,8 @@ int add_table(KZB_STORE& store, const char* path, const Target& target) {
     if (const int error = fill(lines, target.described, grid, table)) {
         return error;
     }
-    place(store, target, std::move(table));
     descriptions.put(store);
+    place(store, target, std::move(table));
     return 0;
 }
 

@@ -37,12 +37,12 @@ bool TextLines::next(BlockRoom& room) {
     return taken;
 }
 
-const std::string& TextLines::line_without_last_comma() {
-    const std::size_t end = line_.ends_with('\n') ? line_.size() - 1 : line_.size();
-    if (end > 0 && line_[end - 1] == ',') {
-        line_.erase(end - 1, 1);
+std::string_view TextLines::fields() const {
+    std::string_view text = line_;
+    for (const char end : {'\n', ','}) {
+        text.remove_suffix(text.ends_with(end) ? 1 : 0);
     }
-    return line_;
+    return text;
 }
 
 void TextLines::rewind() {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <string_view>
 
 #include "store/format/file_source.h"
 
@@ -38,8 +39,8 @@ class TextLines {
     bool next(BlockRoom& room);
     // The piece, with its line feed.
     const std::string& line() const { return line_; }
-    // As `line`, without a comma that stands just before the line end.
-    const std::string& line_without_last_comma();
+    // As `line`, without its line feed and a comma that stands just before it.
+    std::string_view fields() const;
     // True once reading ran against the end of the file.
     bool ended() const { return ended_; }
     void rewind();

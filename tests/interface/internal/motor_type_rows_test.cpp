@@ -1,9 +1,11 @@
-// What the calls answer for a motor type by its row alone: a stub stands in for the model.
+// What the calls answer for a motor type by its row alone: a stub stands in for the model, of the generic type one
+// without a circuit.
 #include <gtest/gtest.h>
 
 #include <memory>
 
 #include "KZBCalculator/kzbcalc.h"
+#include "circuit/generic/calc_eq_generic.h"
 #include "interface/accessor_table.h"
 #include "interface/kzbcalc_handle.h"
 
@@ -35,7 +37,12 @@ constexpr MotorType reluctance_rows[] = {
 
 struct StubHandle : KZB_CALC {
     explicit StubHandle(const MotorType& row) {
-        model = std::make_unique<StubModel>();
+        // Calls of every type hand the model on as one of its class.
+        if (row.set == kzb::generic) {
+            model = std::make_unique<kzb::Calc_Eq_generic>();
+        } else {
+            model = std::make_unique<StubModel>();
+        }
         motor_type = row.code;
         type = &row;
     }

@@ -285,6 +285,13 @@ TEST_F(LegacyAscii, other_numbers_of_axes_are_told_and_give_no_table) {
     }
 }
 
+TEST_F(LegacyAscii, category_of_a_table_that_is_none_follows_its_name) {
+    LegacyText file;
+    file.line("*table").line("1").line("*attractive_force").line("2").line("-1").line("");
+    EXPECT_EQ(read_ascii_file(file.str()), 0);
+    EXPECT_EQ(get_int(store_, "distance_force", "table_type"), 2);
+}
+
 // "%20.13e" fills its field to the last column: the numbers touch.
 TEST_F(LegacyAscii, fields_of_twenty_may_touch) {
     LegacyText file;

@@ -355,6 +355,17 @@ TEST_F(LegacyBinary, later_block_with_other_sizes_is_cut_to_the_table) {
     EXPECT_EQ(get_double(store_, "parameter", "RU"), 1.5);  // the sections behind are found
 }
 
+TEST_F(LegacyBinary, table_may_be_larger_than_the_blocks_that_follow_the_first) {
+    LegacyBytes file;
+    file.table("t", {0, 0, 0}).int32(4).float64(1.0).block({1, 2, 3}, {{1, 1, 2, 3}, {2, 4, 5, 6}});
+    for (const double node : {2.0, 3.0, 4.0}) {
+        file.float64(node).block({1}, {{1, 9}});
+    }
+    EXPECT_EQ(read(file.str()), 0);
+    EXPECT_EQ(table("t", "t").sizes, (std::vector<int>{4, 2, 3}));
+    EXPECT_EQ(numbers(table("t", "t").axes[0]), (std::vector<double>{1, 2, 3, 4}));
+}
+
 TEST_F(LegacyBinary, later_inner_axis_with_another_size_is_cut_to_the_table) {
     LegacyBytes file;
     file.table("t", {0, 0, 0, 0}).int32(2).float64(1.0).int32(1).float64(5.0).block({1}, {{1, 11}});

@@ -37,6 +37,16 @@ TEST_F(CorrectionBlock, commas_side_by_side_separate_like_one) {
     EXPECT_EQ(nodes("correction", "torque", 1), Numbers{10.0});
 }
 
+TEST_F(CorrectionBlock, commas_at_the_line_end_stand_for_no_number) {
+    for (const char* row : {"10,2\n", "10,2,\n", "10,2,,\n", "10,2,,,\r\n"}) {
+        TestStore store;
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(kzb_read_correction_file(file(torque_block("1,2\nl,0,180\n" + std::string(row))).c_str(), store), 1);
+        testing::internal::GetCapturedStderr();
+        EXPECT_EQ(kzb_has_error(store), 90019) << row;
+    }
+}
+
 TEST_F(CorrectionBlock, further_tokens_are_passed_over) {
     EXPECT_EQ(correct(torque_block("1,2,9,9\nlabel,0,180,360\n10,2,3,4,5\n")), 0);
     EXPECT_EQ(values("torque"), (Numbers{2.0, 3.0}));

@@ -40,6 +40,18 @@ TEST_F(CorrectionMerge, the_earlier_phase_axis_is_cyclic_except_for_ironloss) {
     EXPECT_EQ(values("ironloss"), Numbers{3.0});
 }
 
+// A turn at a time would take hours, or for ever where a turn is lost in the rounding.
+TEST_F(CorrectionMerge, a_phase_far_from_the_earlier_range_ends_the_reading_all_the_same) {
+    for (const char* phase : {"3600000000020", "1e18", "-1e300", "inf", "nan"}) {
+        TestStore store;
+        const std::string wide = file(torque("1,2\nl,0,360\n10,2,2\n"));
+        const std::string far = file(torque("1,1\nl," + std::string(phase) + "\n10,3\n"));
+        EXPECT_EQ(kzb_read_correction_file(wide.c_str(), store), 0);
+        EXPECT_EQ(kzb_read_correction_file(far.c_str(), store), 0) << phase;
+        EXPECT_EQ(kzb_get_table_num("correction", store), 1);
+    }
+}
+
 TEST_F(CorrectionMerge, two_blocks_of_one_file_merge_too) {
     EXPECT_EQ(
         correct(correction_file(one_factor("Torque", "2") + one_factor("Torque", "3") + one_factor("Torque", "5"))), 0);

@@ -54,6 +54,16 @@ class LossAxisDescription : public Measured {
     }
 };
 
+// The order of the categories is that of the reading, and of the saved file.
+TEST_F(LossAxisDescription, axes_and_ports_come_before_the_table) {
+    const int before = kzb_get_category_num(store_);
+    EXPECT_EQ(add_iron_loss("1 5\n#reference_name=\"bus\",type=\"Voltage\",index=\"0\",periodic=\"0\"\n"), 0);
+    ASSERT_EQ(kzb_get_category_num(store_), before + 3);
+    EXPECT_STREQ(kzb_get_category_name(before, store_), "ironloss;0;axis_list;0;axis;0;");
+    EXPECT_STREQ(kzb_get_category_name(before + 1, store_), "input_port_list;0;user_input;0;");
+    EXPECT_STREQ(kzb_get_category_name(before + 2, store_), "ironloss");
+}
+
 TEST_F(LossAxisDescription, each_type_is_looked_up_in_its_list) {
     EXPECT_EQ(add_iron_loss("#reference_name=\"rotor\",type=\"Speed\",index=\"3\",periodic=\"0\"\n"
                             "#reference_name=\"coils\",type=\"Current\",index=\"0\",periodic=\"0\"\n"

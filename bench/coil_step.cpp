@@ -1,0 +1,208 @@
+// One voltage-driven step of the machines with separate windings: SetTime, SetDisplacement, SetVoltage of every phase,
+// Execute, Update.
+//
+//   exported   through the calls of the shared library
+//   bare       the plain reference without clocks and environment tests
+//   clocks     the plain reference with them
+//
+// All run a machine of bench/reference/coil_sample.cpp from one file. The position moves at every call by a twentieth
+// of a cell of its axis, forth and back; the voltages carry the currents over their axes as well. In a case with
+// "_random" position and currents jump over their whole axes at every call.
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "KZBCalculator/kzbcalc.h"
+#include "bench/reference/coil_sample.h"
+#include "bench/reference/solenoid_machine.h"
+#include "bench/reference/sr_machine.h"
+#include "bench/reference/stepper_machine.h"
+
+namespace {
+
+using namespace kzb_reference;
+
+struct Case {
+    const char* name;
+    int motor_type;
+    int phases;
+    double reach;      // of the position axis: degrees or m
+    int cells;         // of that axis
+    double voltage;    // peak, V
+    double current;    // of the current axis, A
+    double frequency;  // of the voltage, per position axis
+};
+constexpr Case cases[] = {{"SR3", 10010, 3, 45.0, 15, 12.0, 40.0, 1.0},
+                          {"SR4", 10011, 4, 45.0, 15, 12.0, 40.0, 1.0},
+                          {"SR5", 10012, 5, 45.0, 15, 12.0, 40.0, 1.0},
+                          {"Solenoid", 10004, 1, 0.01, 20, 15.0, 10.0, 3.0},
+                          {"Stepper", 10003, 4, 7.2, 15, 4.0, 5.0, 1.0}};
+constexpr const char* schemes[] = {"Linear", "Cubic"};  // in the order of kzbcalcSetInterpolationType
+constexpr int voltage_driven = 1;
+constexpr double step_width = 5e-5;  // s
+constexpr int steps_per_cell = 20;
+
+struct Sample {
+    double displacement;
+    double voltage[5];
+    double current[5];  // to start from, of a random sample
+};
+
+// Over the position axis and back, or as many positions at random.
+std::vector<Sample> make_samples(const Case& machine, bool at_random) {
+    const int way = machine.cells * steps_per_cell;
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> anywhere(0.0, machine.reach);
+    std::vector<Sample> samples;
+    for (int i = 0; i < 2 * way; ++i) {
+        Sample sample{};
+        const double part = static_cast<double>(i < way ? i : 2 * way - i) / way;
+        sample.displacement = at_random ? anywhere(random) : part * machine.reach;
+        for (int k = 0; k < machine.phases; ++k) {
+            sample.voltage[k] =
+                machine.voltage * std::cos(2.0 * M_PI * (machine.frequency * part - k / double(machine.phases)));
+            sample.current[k] = machine.current * (2.0 * anywhere(random) / machine.reach - 1.0);
+        }
+        samples.push_back(sample);
+    }
+    return samples;
+}
+
+// The machine in memory and in a file that goes away at the end of the program.
+class Machine {
+  public:
+    explicit Machine(int motor_type) {
+        make_coil_sample(motor_type, store_);
+        path_ = std::filesystem::temp_directory_path() /
+                ("kzb_coil_step_" + std::to_string(getpid()) + "_" + std::to_string(motor_type) + ".kzb");
+        write_model_file(path_.c_str(), store_);
+    }
+    ~Machine() {
+        std::error_code ignored;
+        std::filesystem::remove(path_, ignored);
+    }
+    Machine(const Machine&) = delete;
+    Machine& operator=(const Machine&) = delete;
+    Store& store() { return store_; }
+    const char* path() const { return path_.c_str(); }
+
+  private:
+    Store store_;
+    std::filesystem::path path_;
+};
+
+Machine& machine_of(int motor_type) {
+    static std::map<int, std::unique_ptr<Machine>> machines;
+    std::unique_ptr<Machine>& machine = machines[motor_type];
+    if (!machine) {
+        machine = std::make_unique<Machine>(motor_type);
+    }
+    return *machine;
+}
+
+// The highest current tells that the run is one of a loaded machine.
+template <class Step>
+void measure(benchmark::State& state, const Case& machine, bool at_random, Step step) {
+    const std::vector<Sample> run = make_samples(machine, at_random);
+    std::size_t next = 0;
+    double time = 0.0;
+    double peak = 0.0;
+    for (auto _ : state) {
+        peak = std::fmax(peak, std::fabs(step(time, run[next])));
+        time += step_width;
+        if (++next == run.size()) {
+            next = 0;
+        }
+    }
+    state.counters["peak_current"] = peak;
+}
+
+void exported_step(benchmark::State& state, const Case& machine, int scheme, bool at_random) {
+    KZB_CALC* handle = nullptr;
+    if (kzbcalcInitialize(machine_of(machine.motor_type).path(), voltage_driven, &handle) != 0) {
+        state.SkipWithError("the model file does not open");
+        kzbcalcTerminate(handle);
+        return;
+    }
+    kzbcalcSetInterpolationType(scheme, handle);
+    kzbcalcSetData(handle);
+    measure(state, machine, at_random, [&](double time, const Sample& sample) {
+        kzbcalcSetTime(time, handle);
+        kzbcalcSetDisplacement(sample.displacement, handle);
+        for (int k = 0; k < machine.phases; ++k) {
+            kzbcalcSetVoltage(k + 1, sample.voltage[k], handle);
+            if (at_random) {  // becomes the accepted current
+                kzbcalcSetInitialCurrent(k + 1, sample.current[k], handle);
+            }
+        }
+        kzbcalcExecute(handle);
+        kzbcalcUpdate(handle);
+        return kzbcalcGetCurrent(1, handle);
+    });
+    kzbcalcTerminate(handle);
+}
+
+std::unique_ptr<CoilMachine> make_reference(int motor_type, Store& store, Lookup lookup) {
+    if (motor_type == 10003) {
+        return std::make_unique<StepperMachine>(store, voltage_driven, lookup);
+    }
+    if (motor_type == 10004) {
+        return std::make_unique<SolenoidMachine>(store, voltage_driven, lookup);
+    }
+    return std::make_unique<SrMachine>(store, voltage_driven, lookup);
+}
+
+void reference_step(benchmark::State& state, const Case& machine, int scheme, bool at_random, Lookup lookup) {
+    const auto reference = make_reference(machine.motor_type, machine_of(machine.motor_type).store(), lookup);
+    reference->interpolation = schemes[scheme];
+    reference->set_data();
+    measure(state, machine, at_random, [&](double time, const Sample& sample) {
+        reference->set_time(time);
+        reference->set_displacement(sample.displacement);
+        for (int k = 0; k < machine.phases; ++k) {
+            reference->set_voltage(k + 1, sample.voltage[k]);
+            if (at_random) {
+                reference->set_initial_current(k + 1, sample.current[k]);
+            }
+        }
+        reference->execute();
+        reference->update();
+        return reference->get_current(1);
+    });
+}
+
+void register_all() {
+    for (const Case& machine : cases) {
+        for (int scheme = 0; scheme < static_cast<int>(std::size(schemes)); ++scheme) {
+            for (const bool at_random : {false, true}) {
+                const std::string title =
+                    std::string("step/") + machine.name + (at_random ? "_random/" : "/") + schemes[scheme] + '/';
+                benchmark::RegisterBenchmark((title + "exported").c_str(), exported_step, machine, scheme, at_random);
+                benchmark::RegisterBenchmark((title + "bare").c_str(), reference_step, machine, scheme, at_random,
+                                             static_cast<Lookup>(kzb_get_table_interpolated_value<Bare>));
+                benchmark::RegisterBenchmark((title + "clocks").c_str(), reference_step, machine, scheme, at_random,
+                                             static_cast<Lookup>(kzb_get_table_interpolated_value<WithClocks>));
+            }
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    register_all();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
