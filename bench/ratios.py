@@ -21,6 +21,7 @@ WANTED_LOOKUP.update({
 })
 WANTED_STEP = {("Harmonic", "Linear"): 6.0, ("Harmonic", "Cubic"): 4.0, ("WFSM", "Linear"): 8.0, ("WFSM", "Cubic"): 8.0}
 WANTED_STEP.update({("IM", scheme): 5.0 for scheme in ("Linear", "Cubic")})
+WANTED_STEP.update({(form, scheme): 8.0 for form in ("GenericAxes", "GenericSets") for scheme in ("Linear", "Cubic")})
 
 SCHEMES = ("Linear", "Cubic", "Spline4", "Spline6", "Spline")
 APPLICATIONS = ("Harmonic", "SimpleHarmonic", "LdLq", "FluxIntegralDQTheta")  # of the permanent-magnet machine

@@ -209,8 +209,8 @@ class GenericModel {
         if (fault == 15) {
             return;
         }
-        // Beyond six axes the tables would grow large.
-        std::vector<int> sizes(static_cast<std::size_t>(std::min(axes_, 6)), 2);
+        // Each axis doubles the cost of a lookup beside the grid, and a step may make thousands.
+        std::vector<int> sizes(static_cast<std::size_t>(std::min(axes_, 4)), 2);
         sizes.push_back(std::max(rows, 1));
         if (fault == 14 && sizes.size() > 1) {
             sizes.erase(sizes.begin());

@@ -410,8 +410,9 @@ void TableModel::three_phase_inductances(std::size_t s, int offset, const std::v
                 if (m.axis_no > 0) {
                     point[at(m.axis_no - 1)] = m.position_in(unit);
                 }
+                const double value = inductance_at(point, x);
                 if (at(col) < ids.size()) {
-                    coil_c->inductances[ids[at(col)]] = inductance_at(point, x);
+                    coil_c->inductances[ids[at(col)]] = value;
                 }
             }
             col += static_cast<int>(t->coils.size());

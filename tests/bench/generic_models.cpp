@@ -353,12 +353,13 @@ void Model::put_table(const char* category, TableAxes axes, int rows) {
     if (dice_.one_of(40)) {
         return;
     }
+    // A table of the wrong number of axes. No cyclic axis ever sees a current: the reference's wrap by repeated
+    // addition would take forever where a current runs away.
     if (dice_.one_of(30)) {
-        TableShape shape;
-        shape.most_dim = 4;
-        shape.most_rows = 3;
-        RandomTable(dice_.engine(), shape).put(category, "table", store_);
-        return;
+        axes.add(kzb_reference::evenly(-1.0, 1.0, 2), 0);
+    } else if (dice_.one_of(30) && !axes.axes.empty()) {
+        axes.axes.pop_back();
+        axes.cyclic.pop_back();
     }
     if (!(rows == 1 && dice_.one_of(2))) {
         axes.add(places(std::max(rows, 1)), 0);
@@ -478,10 +479,13 @@ void Model::put_coil_set_form() {
         main_.add(position_axis(m), dice_.pick(0, 1));
     }
     int place = 0;
-    while (next_coil_ < fem_count_ && place < 3) {
+    while (next_coil_ < fem_count_ && place < 2) {
         const int left = fem_count_ - next_coil_;
         const int coils = left >= 3 && dice_.one_of(2) ? 3 : dice_.pick(1, std::min(left, 2));
         put_set(place++, coils == 3 ? 1 : dice_.pick(0, 1), coils);
+    }
+    if (dice_.one_of(8)) {
+        put_set(place, 1, 0);
     }
     int total = 0;
     for (const Set& set : sets_) {

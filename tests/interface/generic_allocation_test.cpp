@@ -7,6 +7,7 @@
 #include "interface/allocation_counter.h"
 #include "interface/generic_accessors.h"
 #include "interface/generic_machine.h"
+#include "interface/other_machines.h"
 
 namespace {
 
@@ -14,7 +15,10 @@ using namespace kzb_test;
 
 // One sample through the calls by id and those of arrays, every getter included.
 double run_generic_sample(KZB_CALC* calc, int k) {
-    double values[32] = {20.0 * std::cos(0.2 * k), 12.0, 300.0, 310.0, 0.3 * k, 0.001 * k};
+    double values[32];
+    for (int i = 0; i < 32; ++i) {
+        values[i] = 5.0 + 4.0 * std::cos(0.2 * k - 2.0 * i);
+    }
     const int inputs = kzbcalcGetNumOfInputPortsForGenericModel(calc);
     const int outputs = kzbcalcGetNumOfOutputPortsForGenericModel(calc);
     kzbcalcSetTime(1e-4 * k, calc);
@@ -22,7 +26,7 @@ double run_generic_sample(KZB_CALC* calc, int k) {
     for (int id = 1; id <= 2; ++id) {
         kzbcalcSetPowerSupplyForGenericModel(id, values[id - 1], calc);
         kzbcalcSetPowerSupplySwitchForGenericModel(id, 1, calc);
-        kzbcalcSetDisplacementForGenericModel(id, values[3 + id], calc);
+        kzbcalcSetDisplacementForGenericModel(id, 0.3 * k, calc);
         kzbcalcSetCoilTemperatureForGenericModel(id, 300.0, calc);
     }
     kzbcalcSetUserInputParameter(1, 0.5 * k, calc);
@@ -72,25 +76,41 @@ TEST(Allocation, sample_of_a_generic_model_of_coil_sets_allocates_nothing) {
     add_generic_outputs(file);
     add_generic_iron_loss(file);
     expect_no_generic_allocation(file, "single coils");
+}
 
-    ModelFile moving;
-    generic_machine(moving);
-    add_generic_outputs(moving);
-    add_generic_iron_loss(moving);
-    // The first set moves with motion 1 and has a phase, which is a fifth axis of the tables.
-    put_fields(moving, record_name("element_set_list;coil_set", 0),
-               {{"type", 1}, {"motion_id", 1}, {"phase_axis_no", 5}});
-    const auto table = [&](const char* path, int rows, double scale) {
-        std::vector<Point> axes = generic_model::axes(rows);
-        axes.insert(axes.end() - 1, betas);
-        moving.table(record_name(path, 0).c_str(), "table", axes,
-                     [=](const Point& x) { return scale * (x[5] == 0.0 ? x[0] : x[1]); });
+// Three coils in star on three sources, as one set over amplitude, phase and angle.
+TEST(Allocation, sample_of_a_generic_model_of_three_phases_allocates_nothing) {
+    ModelFile file;
+    file.integer("control", "motor_type", 10008).number("parameter", "RU", 0.0);
+    for (int id = 1; id <= 3; ++id) {
+        add_source(file, id, "phase");
+    }
+    add_terminal(file, 4, 0, "star");
+    for (int id = 1; id <= 3; ++id) {
+        add_coil(file, id, id, 4, 0.5, 3, "coil");
+    }
+    add_motion(file, 1, 1, 1, 3, 360.0, "rotor");
+    add_record(file, "element_set_list;coil_set",
+               {{"id", 1},
+                {"type", 1},
+                {"motion_id", 1},
+                {"current_axis_no", 1},
+                {"phase_axis_no", 2},
+                {"number_of_poles", 2}});
+    for (int k = 0; k < 3; ++k) {
+        add_record(file, "element_set_list;coil_set;coil", {{"coil_id", k + 1}, {"phase_diff", 120.0 * k}});
+    }
+    const auto table = [&](const char* path, int rows, const std::function<double(const Point&)>& value) {
+        file.table(record_name(path, 0).c_str(), "table",
+                   {amplitudes, betas, every(30.0, 0.0, 360.0), every(1.0, 0.0, rows - 1.0)}, value, {3});
     };
-    table("flux_list;flux_table", 2, 0.1);
-    table("inductance_list;diff_inductance_table", 4, 1e-4);
-    table("torque_force_list;torque_table", 2, 1.0);
-    table("output_list;output_table", 2, 1.0);
-    expect_no_generic_allocation(moving, "a coil that moves");
+    // Flux of phase k of a round machine: L a cos(phase + angle - 120 k), a good way to the real thing.
+    table("flux_list;flux_table", 3,
+          [](const Point& x) { return 1e-3 * x[0] * std::cos((x[1] + x[2] - 120.0 * x[3]) * rad_per_deg); });
+    table("inductance_list;diff_inductance_table", 9,
+          [](const Point& x) { return static_cast<int>(x[3]) % 4 == 0 ? 2e-3 : -0.5e-3; });
+    table("torque_force_list;torque_table", 1, constant(2.0));
+    expect_no_generic_allocation(file, "three phases");
 }
 
 TEST(Allocation, sample_of_a_generic_model_of_table_axes_allocates_nothing) {

@@ -273,12 +273,11 @@ TEST_F(InformationExport, other_models_are_refused_without_a_file) {
     EXPECT_EQ(kzb_has_error(store_), 0);
     EXPECT_FALSE(std::filesystem::exists("info.xml"));
     // An error that stands isn't touched.
-    const double nowhere = 0.0;
-    kzb_get_table_interpolated_value("none", "none", &nowhere, "Linear", store_);
-    const int error = kzb_has_error(store_);
-    EXPECT_NE(error, 0);
+    kzb_put_int("control", "motor_type", 10008, store_);
+    EXPECT_EQ(kzb_export_information(store_, "absent/info.xml"), 1);
+    kzb_put_int("control", "motor_type", 10000, store_);
     EXPECT_EQ(kzb_export_information(store_, "info.xml"), 1);
-    EXPECT_EQ(kzb_has_error(store_), error);
+    EXPECT_EQ(kzb_has_error(store_), 90032);
     const TestStore empty;
     EXPECT_EQ(kzb_export_information(empty, "info.xml"), 1);
     EXPECT_EQ(kzb_export_information(nullptr, "info.xml"), 1);

@@ -579,8 +579,8 @@ TEST_F(Run, a_plot_that_cannot_be_written_is_told_before_the_run) {
 }
 
 TEST_F(Run, a_motor_type_that_is_not_driven_is_exit_code_3) {
-    write_model(folder / "m.kzb", [](KZB_STORE* store) { kzb_put_int("control", "motor_type", 10008, store); });
-    EXPECT_THAT(fault("drive = \"voltage\"\n"), HasSubstr("motor type 10008 (Generic), expected 10000"));
+    write_model(folder / "m.kzb", [](KZB_STORE* store) { kzb_put_int("control", "motor_type", 10009, store); });
+    EXPECT_THAT(fault("drive = \"voltage\"\n"), HasSubstr("motor type 10009 (unknown), expected 10000"));
 }
 
 TEST_F(Run, an_interrupted_run_leaves_the_old_output_and_nothing_beside_it) {

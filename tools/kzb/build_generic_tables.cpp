@@ -28,7 +28,9 @@ std::vector<double> column_of(const CsvTable& csv, const ColumnText& column) {
                                            printable_line(column.header),
                                            printable_line(fmt::format("{}", fmt::join(csv.header(), "\", \"")))));
     }
-    return csv.numbers(*at, column.scale);
+    std::vector<double> values = csv.numbers(*at, column.scale);
+    std::transform(values.begin(), values.end(), values.begin(), [](double x) { return x + 0.0; });  // no -0
+    return values;
 }
 
 CsvTable read_csv(const GenericDescription& description, const TableText& table) {

@@ -166,6 +166,10 @@ void read_interactions(Section& root, GenericDescription& description) {
             named[static_cast<std::size_t>(group)] = true;
             coil.interacted = std::max(coil.interacted, group);
         }
+        if (!named[static_cast<std::size_t>(coil.id)]) {
+            section.fail("interacts_with",
+                         fmt::format("without {} itself, expected it among them", printable_line(coil.name)));
+        }
         for (const std::size_t other : description.coils()) {
             const PartText& part = description.parts[other];
             if (part.id <= coil.interacted && !named[static_cast<std::size_t>(part.id)]) {

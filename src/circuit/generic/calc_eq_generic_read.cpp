@@ -48,6 +48,8 @@ int Calc_Eq_generic::initialize(KZB_STORE& store) {
         // Nothing of it is ever used.
         circuit_ = boost::make_shared<KZCircuitForGeneric>();
         tables_ = KZFEMTableModel();
+        force_tables_.clear();
+        user_params_.clear();
         return offered ? 1 : 0;
     }
     tables_.set_interpolation(method());

@@ -30,10 +30,20 @@ double least_nonzero(const std::vector<double>& grid) {
 
 }  // namespace
 
-// The grid's index dimension is searched once for all coils where their indices are 0, 1, 2 ..
+// The axes are searched once for all coils where the table has the coil's index as its last axis; a single coil needs
+// none.
 void KZFEMTableModel::look_up_fluxes(const double* axes, int count) {
     fluxes_.resize(static_cast<std::size_t>(count));
-    flux_table_.plain_components(*store_, method_, axes, axis_count_, count, fluxes_.data());
+    if (flux_table_.dim(*store_) == axis_count_ + 1) {
+        flux_table_.plain_components(*store_, method_, axes, axis_count_, count, fluxes_.data());
+        return;
+    }
+    component_point_.assign(axes, axes + axis_count_);
+    component_point_.push_back(0.0);
+    for (int i = 0; i < count; ++i) {
+        component_point_.back() = static_cast<double>(i);
+        fluxes_[static_cast<std::size_t>(i)] = look_up(flux_table_, component_point_);
+    }
 }
 
 bool KZFEMTableModel::indices_in_order() {

@@ -147,10 +147,11 @@ class KZFEMTableModel {
     TableRef iron_loss_table_;
 
     // Kept from pass to pass for their memory.
-    std::vector<double> point_;      // axes and the coil index
-    std::vector<double> clamped_;    // base of the differences
-    std::vector<double> fluxes_;     // of one point
-    std::vector<double> base_flux_;  // by coil index
+    std::vector<double> point_;            // axes and the coil index
+    std::vector<double> component_point_;  // likewise, of a table without the index
+    std::vector<double> clamped_;          // base of the differences
+    std::vector<double> fluxes_;           // of one point
+    std::vector<double> base_flux_;        // by coil index
 };
 
 }  // namespace kzb

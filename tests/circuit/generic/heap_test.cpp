@@ -1,0 +1,68 @@
+// A step takes nothing from the heap once the first samples have been made.
+#include <cstdlib>
+#include <new>
+
+#include "circuit/generic/star_model.h"
+#include "models/heap_count.h"
+
+std::size_t kzb_test::allocations = 0;
+
+// Counts what the program takes from the heap. Never inlined: the compiler then sees the pair as a whole.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    ++kzb_test::allocations;
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace kzb_test {
+namespace {
+
+void expect_no_allocations(bool table_axes, int coils, bool index_axis, const std::string& method) {
+    GenericFile file;
+    fill_star(file, table_axes, coils, index_axis);
+    GenericRun run(file.store);
+    ASSERT_TRUE(run.model.faults().empty()) << run.model.faults().front();
+    run.model.set_interpolation(method);
+    run.model.apply_interpolation();
+    std::vector<double> inputs(static_cast<std::size_t>(coils));
+    const std::vector<double> switches(inputs.size(), 1.0);
+    std::vector<double> position(1);
+    double sum = 0.0;
+    std::size_t before = 0;
+    for (int n = 0; n < 20; ++n) {
+        if (n == 3) {
+            before = allocations;
+        }
+        for (std::size_t k = 0; k < inputs.size(); ++k) {
+            inputs[k] = 5.0 * std::cos(0.3 * n + static_cast<double>(k));
+        }
+        position[0] = 0.05 * n;
+        run.model.step(inputs, position, 1e-3 * n, switches, run.status);
+        sum += run.model.force(1);
+        run.model.update();
+    }
+    EXPECT_EQ(allocations - before, 0u) << table_axes << coils << index_axis << method;
+    EXPECT_TRUE(std::isfinite(sum));
+    EXPECT_GT(run.model.pass_counts().passes, 0);
+}
+
+TEST(GenericHeap, steps_take_nothing_from_the_heap) {
+    for (const char* const method : {"Linear", "Cubic", "Spline4"}) {
+        expect_no_allocations(true, 3, true, method);
+        expect_no_allocations(false, 3, true, method);
+        expect_no_allocations(true, 1, true, method);
+        expect_no_allocations(true, 1, false, method);
+        expect_no_allocations(false, 1, true, method);
+    }
+}
+
+}  // namespace
+}  // namespace kzb_test
