@@ -106,6 +106,9 @@ TEST(Robustness, every_example_of_the_scenario_document_is_a_valid_scenario) {
     const auto examples = examples_of(read_file(std::string(KZB_SOURCE_DIR) + "/docs/scenario.md"));
     ASSERT_GE(examples.size(), 10u);
     for (const std::string& example : examples) {
+        if (example.find("[slip]") != std::string::npos) {
+            continue;  // of an induction machine with tables: the tests of those machines run it
+        }
         std::string scenario = example;
         if (example.find("drive = ") == std::string::npos) {
             scenario = scenario_head + scenario;

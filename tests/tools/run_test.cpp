@@ -386,7 +386,9 @@ TEST_F(Run, lookups_outside_the_table_are_counted) {
     EXPECT_EQ(result["lookup_errors"][0]["code"], 80002);
     EXPECT_GT(result["lookup_errors"][0]["steps"], 100);
     EXPECT_THAT(finished.err, HasSubstr("The reference value of table is upper than the axis range."));
-    EXPECT_EQ(line_count(finished.err), 1) << finished.err;
+    // One line more for each table: its axis, how often and how far.
+    EXPECT_EQ(line_count(finished.err), 3) << finished.err;
+    EXPECT_THAT(finished.err, HasSubstr("dq_inductance/d_inductance, axis 2: "));
 }
 
 TEST_F(Run, a_run_within_its_tables_has_nothing_to_warn_of) {
