@@ -2,14 +2,10 @@
 #include "models/calc_eq_wfsm.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
-#include <limits>
-#include <string_view>
 
+#include "models/environment.h"
 #include "models/first_step.h"
 #include "models/history.h"
-#include "store/format/number_scan.h"
 
 namespace kzb {
 namespace {
@@ -17,36 +13,6 @@ namespace {
 // Passes of one step at most. A larger number in the environment is cut here: a pass costs some microseconds, and an
 // iteration that has not settled by then never does.
 constexpr int most_iterations = 1000000;
-
-// The number that the text of a variable begins with, 0 where it begins with none.
-double environment_double(const char* name, double unset) {
-    const char* const text = std::getenv(name);
-    if (text == nullptr) {
-        return unset;
-    }
-    std::string_view rest = text;
-    double value = 0.0;
-    scan_double(rest, value);
-    return value;
-}
-
-int environment_int(const char* name, int unset) {
-    const char* const text = std::getenv(name);
-    if (text == nullptr) {
-        return unset;
-    }
-    std::string_view rest = text;
-    rest.remove_prefix(std::min(rest.find_first_not_of(" \t\n\v\f\r"), rest.size()));
-    if (rest.starts_with('+') && !rest.starts_with("+-")) {
-        rest.remove_prefix(1);
-    }
-    int value = 0;
-    // Out of range is the end of the range, not the low bits.
-    if (std::from_chars(rest.data(), rest.data() + rest.size(), value).ec == std::errc::result_out_of_range) {
-        value = rest.starts_with('-') ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
-    }
-    return value;
-}
 
 }  // namespace
 
