@@ -104,7 +104,7 @@ class Files {
         return text;
     }
     void damage(std::string& text) {
-        static const std::string bytes("\n,$ \0\xff-0129.e", 15);
+        static const std::string bytes("\n,$ \0\xff-0129.eE", 15);
         const auto at = static_cast<std::size_t>(below(static_cast<int>(text.size())));
         const char byte = bytes[static_cast<std::size_t>(below(static_cast<int>(bytes.size())))];
         switch (below(5)) {

@@ -131,7 +131,7 @@ class Case {
         return line + "\n";
     }
     void damage(std::string& text) {
-        static const std::string bytes("\n,$# \t\0\xff-0129.e", 17);
+        static const std::string bytes("\n,$# \t\0\xff-0129.eE", 17);
         const auto at = static_cast<std::size_t>(below(static_cast<int>(text.size())));
         const char byte = bytes[static_cast<std::size_t>(below(static_cast<int>(bytes.size())))];
         switch (below(6)) {
