@@ -20,7 +20,8 @@ WANTED_LOOKUP.update({
     ("Spline", 3): {"bare": 5.0},
 })
 WANTED_STEP = {("Harmonic", "Linear"): 6.0, ("Harmonic", "Cubic"): 4.0, ("WFSM", "Linear"): 8.0, ("WFSM", "Cubic"): 8.0}
-WANTED_STEP.update({("IM", scheme): 5.0 for scheme in ("Linear", "Cubic")})
+WANTED_STEP.update({(machine, scheme): 5.0 for machine in ("IM", "IM_constants", "SR3", "SR4", "SR5", "Solenoid", "Stepper")
+                    for scheme in ("Linear", "Cubic")})
 WANTED_STEP.update({(form, scheme): 8.0 for form in ("GenericAxes", "GenericSets") for scheme in ("Linear", "Cubic")})
 
 SCHEMES = ("Linear", "Cubic", "Spline4", "Spline6", "Spline")

@@ -41,6 +41,27 @@ inline void eliminate(double* __restrict matrix, double* __restrict rhs, std::si
     }
 }
 
+// The same for `N` unknowns known beforehand, column after column unrolled: no index is left to be counted.
+template <std::size_t N, std::size_t I = 0>
+inline void eliminate_fixed(double (&matrix)[N][N], double (&rhs)[N]) {
+    const double pivot = matrix[I][I] == 0.0 ? zero_pivot : matrix[I][I];
+    for (std::size_t r = I + 1; r < N; ++r) {
+        const double factor = matrix[r][I] / pivot;
+        for (std::size_t c = I + 1; c < N; ++c) {
+            matrix[r][c] -= matrix[I][c] * factor;
+        }
+        rhs[r] -= rhs[I] * factor;
+    }
+    if constexpr (I + 1 < N) {
+        eliminate_fixed<N, I + 1>(matrix, rhs);
+    }
+    double value = rhs[I];
+    for (std::size_t c = I + 1; c < N; ++c) {
+        value -= rhs[c] * matrix[I][c];
+    }
+    rhs[I] = value / pivot;
+}
+
 // The same for a small system in one array: `rows` [n * stride], row r holds its n entries, then its right-hand side at
 // [r][n], then zeros; `stride` is even and above n. On return column n holds the solution. Columns are taken in pairs
 // from an even one on, so that a pair is never read across two writes: what stands left of the diagonal is then no

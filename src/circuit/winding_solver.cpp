@@ -21,6 +21,22 @@ KZterminal* terminal_with_id(const WindingNetwork& network, std::size_t id) {
     return nullptr;
 }
 
+constexpr std::size_t four = 4;
+
+// Entries of `l` that the right-hand side leaves out couple axes that the model's frame keeps apart.
+void form_four(double dt, const DenseInput& system, double (&a)[four][four], double (&b)[four]) {
+    const double* const l = system.l;
+    const double* const x = system.x;
+    const double* const v = system.v;
+    b[0] = l[0] * x[0] + dt * v[0] + l[2] * x[2];
+    b[1] = l[5] * x[1] + dt * v[1] + l[7] * x[3];
+    b[2] = l[8] * x[0] + dt * v[2] + l[10] * x[2];
+    b[3] = l[13] * x[1] + dt * v[3] + l[15] * x[3];
+    for (std::size_t i = 0; i < four * four; ++i) {
+        a[i / four][i % four] = 2 * l[i] + dt * system.r[i] - system.l_previous[i];
+    }
+}
+
 }  // namespace
 
 bool WindingSolver::solve_flux_form(const WindingInput& input) {
@@ -198,26 +214,35 @@ void WindingSolver::sum_terminal_currents() {
 bool WindingSolver::solve_dense(const WindingInput& input, const DenseInput& system) {
     take_network(input);
     terminal_count_ = 0;
+    if (element_count_ == four) {
+        order_ = four;
+        terminal_currents_.resize(0, false);
+        solve_four(input.dt, system);
+        return ok_;
+    }
     if (!set_order(element_count_)) {
         return false;
     }
-    const double dt = input.dt;
-    const double* const l = system.l;
-    const double* const x = system.x;
-    const double* const v = system.v;
-    // Entries of `l` that the right-hand side leaves out couple axes that the model's frame keeps apart.
-    const double b[4] = {l[0] * x[0] + dt * v[0] + l[2] * x[2], l[5] * x[1] + dt * v[1] + l[7] * x[3],
-                         l[8] * x[0] + dt * v[2] + l[10] * x[2], l[13] * x[1] + dt * v[3] + l[15] * x[3]};
-    const std::size_t filled = std::min<std::size_t>(order_, 4);
+    // Of a network that is not of four elements only what the matrices have is filled.
+    double a[four][four];
+    double b[four];
+    form_four(input.dt, system, a, b);
+    const std::size_t filled = std::min(order_, four);
     for (std::size_t r = 0; r < filled; ++r) {
-        for (std::size_t c = 0; c < filled; ++c) {
-            const std::size_t at = 4 * r + c;
-            row(r)[c] = 2 * l[at] + dt * system.r[at] - system.l_previous[at];
-        }
+        std::copy_n(a[r], filled, row(r));
         rhs(r) = b[r];
     }
     eliminate_system();
     return ok_;
+}
+
+void WindingSolver::solve_four(double dt, const DenseInput& system) {
+    double a[four][four];
+    double b[four];
+    form_four(dt, system, a, b);
+    eliminate_fixed(a, b);
+    solution_.resize(four, false);
+    std::copy_n(b, four, solution_.data().begin());
 }
 
 }  // namespace kzb

@@ -62,6 +62,7 @@ class WindingSolver {
   private:
     enum class Form { flux, emf };
     bool solve(const WindingInput& input, Form form);
+    void solve_four(double dt, const DenseInput& system);
     void take_network(const WindingInput& input);
     bool set_order(std::size_t order);
     void node_rows();

@@ -173,6 +173,7 @@ class Calc_Eq_im_transient : public Calc {
     void update_parameters();
     void update_from_tables();
     void look_up_parameters(const double* point);
+    void look_up_tables(const double* point, ImFlatTables::Values& values);
     void hold_secondary_resistance();
     double secondary_factor() const;
     double equivalent_resistance();

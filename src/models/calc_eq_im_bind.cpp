@@ -65,8 +65,8 @@ void Calc_Eq_im_transient::make_constant_table(const char* key, double value) {
     }
     KZB_TABLE* const table = find_table(*store_, im_tables, key);
     for (int axis = 1; axis <= 2; ++axis) {
-        table_set_axis_value(table, axis, 0, -100.0);
-        table_set_axis_value(table, axis, 1, 100.0);
+        table_set_axis_value(table, axis, 0, ImFlatTables::lower_end);
+        table_set_axis_value(table, axis, 1, ImFlatTables::upper_end);
     }
     std::fill_n(table->values.data(), table->values.size(), value);
 }

@@ -51,18 +51,32 @@ void Calc_Eq_im_transient::update_from_tables() {
 }
 
 void Calc_Eq_im_transient::look_up_parameters(const double* point) {
+    const Scheme scheme = method().scheme;
+    ImFlatTables::Values values{};
+    if (machine_.inductance_type != inductance_constants) {
+        look_up_tables(point, values);
+    } else if (!tables_.flat.look_up(*store_, scheme, point, values)) {
+        tables_.flat.begin(*store_);
+        look_up_tables(point, values);
+        tables_.flat.end(*store_, scheme, point, tables_.of_point(), values);
+    }
     ImInductances& l = step_.inductances;
-    double& r2 = resistances_.Rr_base;
+    l.m_Ls = values[0];
+    l.m_Msr = values[1];
+    l.m_Mrs = values[2];
+    l.m_Lr = values[3];
+    resistances_.Rr_base = values[4];
+}
+
+void Calc_Eq_im_transient::look_up_tables(const double* point, ImFlatTables::Values& values) {
     tables_.last_point.begin(*store_);
-    l.m_Ls = tables_.l11.at(*store_, method(), point, 2);
-    l.m_Msr = tables_.m12.at(*store_, method(), point, 2);
-    l.m_Mrs = tables_.m21.at(*store_, method(), point, 2);
-    l.m_Lr = tables_.l22.at(*store_, method(), point, 2);
-    r2 = tables_.r2.at(*store_, method(), point, 2);
-    // A lookup that formed no value has printed why.
-    constexpr double limit = 1e100;
-    const bool formed = std::fabs(l.m_Ls) < limit && std::fabs(l.m_Msr) < limit && std::fabs(l.m_Mrs) < limit &&
-                        std::fabs(l.m_Lr) < limit && std::fabs(r2) < limit;
+    const ImFlatTables::Refs refs = tables_.of_point();
+    bool formed = true;
+    for (std::size_t k = 0; k < refs.size(); ++k) {
+        values[k] = refs[k]->at(*store_, method(), point, 2);
+        // A lookup that formed no value has printed why.
+        formed = formed && std::fabs(values[k]) < 1e100;
+    }
     tables_.last_point.end(*store_, point, formed && tables_.plain(*store_));
 }
 

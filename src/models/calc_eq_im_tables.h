@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "models/calc_eq_im_flat.h"
 #include "store/lookup_front.h"
 
 namespace kzb {
@@ -69,6 +70,7 @@ class ImLastPoint {
 
 struct ImTables {
     ImLastPoint last_point;
+    ImFlatTables flat;
     TableRef l11{im_tables, "L11_table"};
     TableRef m12{im_tables, "M12_table"};
     TableRef m21{im_tables, "M21_table"};
@@ -77,6 +79,9 @@ struct ImTables {
     TableRef ironloss{im_tables, "ironloss_table"};
     TableRef iron_loss{"loss_table", "iron_loss"};
     TableRef copper_loss{"equivalent_resistance_table", "copper_loss"};
+
+    // The tables of a point, in the order of their lookups.
+    ImFlatTables::Refs of_point() { return {&l11, &m12, &m21, &l22, &r2}; }
 
     bool has_equivalent_resistance(const KZB_STORE& store) {
         refresh(store);

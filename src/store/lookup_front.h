@@ -56,6 +56,9 @@ class TableRef {
     // The table, null when absent.
     const KZB_TABLE* table(const KZB_STORE& store) { return current(store).table; }
 
+    // The coordinates of its lookups are folded.
+    bool folds(const KZB_STORE& store) { return current(store).fold.active; }
+
     // What kzb_get_table_interpolated_value gives at values[0..count-1]; axes beyond `count` see 0.0.
     double at(KZB_STORE& store, const Method& method, const double* values, int count);
     // Lookups at values[0..leading-1] and the numbers of `range` as last coordinate; axes beyond see 0.0.

@@ -204,6 +204,7 @@ void prepare_spline_axis(SplineAxis& axis, double* memory) {
         axis.h[i] = axis.nodes[i + 1] - axis.nodes[i];
     }
     axis.held = -1;
+    axis.segment = 0;
     if (n > 1 && axis.cyclic != 0) {
         prepare_periodic(axis, n);
     } else if (n > 1) {

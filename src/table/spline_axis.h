@@ -8,22 +8,24 @@ namespace kzb {
 inline constexpr int strip_width = 8;
 
 struct SplineAxis {
-    const double* nodes = nullptr;
-    int rows = 0;
-    int stride = 0;
-    int cyclic = 0;
-    double x = 0.0;
+    std::size_t number;  // of the axis, from 0
+    const double* nodes;
+    int rows;
+    int stride;
+    int cyclic;
+    double x;
 
-    double* strip = nullptr;  // [rows * strip_width], row by row
-    double* work = nullptr;   // [rows * strip_width]
-    double* h = nullptr;      // [rows] each
-    double* pivot = nullptr;
-    double* factor = nullptr;  // natural: u; periodic: h / d on the way down
-    double* back = nullptr;    // periodic: h / d on the way up
-    double* seam = nullptr;    // periodic: column of the unknown at the seam
-    int held = -1;             // entry that a query just outside is held to, else -1
-    int segment = 0;
-    double e = 0.0;  // the query behind the node of its segment
+    // By prepare_spline_axis:
+    double* strip;  // [rows * strip_width], row by row
+    double* work;   // [rows * strip_width]
+    double* h;      // [rows] each
+    double* pivot;
+    double* factor;  // natural: u; periodic: h / d on the way down
+    double* back;    // periodic: h / d on the way up
+    double* seam;    // periodic: column of the unknown at the seam
+    int held;        // entry that a query just outside is held to, else -1
+    int segment;
+    double e;  // the query behind the node of its segment
 };
 
 inline std::size_t spline_axis_scratch(int rows) {

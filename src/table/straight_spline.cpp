@@ -9,6 +9,7 @@
 
 #include "table/axis_search.h"
 #include "table/kernels.h"
+#include "table/natural_spline.h"
 #include "table/node_search.h"
 #include "table/scratch.h"
 #include "table/spline_axis.h"
@@ -21,12 +22,22 @@ namespace {
 constexpr int most_axes = 31;  // of two rows or more in a table of int size
 
 struct WholePlan {
+    const KZB_TABLE* table = nullptr;
     const double* base = nullptr;
     int active = 0;
-    SplineAxis axis[most_axes];
+    SplineAxis axis[most_axes];  // those beyond `active` are not initialised
 };
 
 enum class Role { refused, selects, active };
+
+void take_axis(const KZB_TABLE& table, std::size_t a, double x, SplineAxis& axis) {
+    axis.number = a;
+    axis.nodes = table.axes[a].data();
+    axis.rows = table.sizes[a];
+    axis.stride = table.strides[a];
+    axis.cyclic = table.cyclic[a];
+    axis.x = x;
+}
 
 // What an axis does to its lines, by the rules of the one-dimensional spline.
 Role role_of(const double* nodes, int rows, double x, int& entry, int& status) {
@@ -70,6 +81,28 @@ void reduce_strip(const WholePlan& plan, int level, const double* p, int column_
     spline_strip(axis, out);
 }
 
+// The line that is left; the point is on none of its nodes and inside its ends, as the tolerance sees them.
+double evaluate_last(const WholePlan& plan, const double* line) {
+    const SplineAxis& axis = plan.axis[plan.active - 1];
+    const int n = axis.rows - 1;
+    if (n == 1) {
+        double uncounted[timing_slots] = {};
+        return linear_segment(axis.nodes[0], axis.nodes[1], line[0], line[1], axis.x, uncounted);
+    }
+    if (axis.cyclic != 0) {
+        return periodic_spline_eval(n, axis.nodes, line, axis.x);
+    }
+    const bool inside = axis.nodes[0] <= axis.x && axis.x <= axis.nodes[n];
+    if (plan.active == 1 && inside) {
+        // A line of the table itself.
+        const double* const c = plan.table->spline_memo.coefficients(*plan.table, axis.number, plan.base, line);
+        if (c != nullptr) {
+            return natural_spline_value(axis.nodes, line, c, natural_segment(n, axis.nodes, axis.x), axis.x);
+        }
+    }
+    return natural_spline_eval(n, axis.nodes, line, axis.x);
+}
+
 double evaluate(WholePlan& plan, double* scratch) {
     const SplineAxis& last = plan.axis[plan.active - 1];
     double* line = scratch;
@@ -85,9 +118,7 @@ double evaluate(WholePlan& plan, double* scratch) {
             std::memcpy(line + c, out, static_cast<std::size_t>(lanes) * sizeof(double));
         }
     }
-    int status = 0;
-    double uncounted[timing_slots] = {};
-    return global_spline(last.nodes, line, last.rows, last.x, status, last.cyclic, uncounted);
+    return evaluate_last(plan, line);
 }
 
 std::size_t scratch_size(const WholePlan& plan) {
@@ -105,6 +136,7 @@ bool straight_spline(const KZB_TABLE& table, const double* coordinates, Straight
         return false;
     }
     WholePlan plan;
+    plan.table = &table;
     plan.base = table.values.data();
     double lines = table.total;
     double linear_calls = 0.0;
@@ -124,7 +156,7 @@ bool straight_spline(const KZB_TABLE& table, const double* coordinates, Straight
                 plan.base += std::ptrdiff_t{entry} * table.strides[a];
                 break;
             case Role::active:
-                plan.axis[plan.active++] = SplineAxis{nodes, rows, table.strides[a], table.cyclic[a], x};
+                take_axis(table, a, x, plan.axis[plan.active++]);
                 linear_calls += rows == 2 ? lines : 0.0;
                 break;
         }

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "table/spline_memo.h"
 #include "table/zeroed_array.h"
 
 namespace kzb {
@@ -49,6 +50,7 @@ struct KZB_TABLE {
     int loaded = 0;                            // 1 once the body was read from the file
     int total = 0;                             // product of sizes
     mutable std::vector<kzb::AxisMemo> memos;  // one per axis
+    mutable kzb::SplineMemo spline_memo;
 };
 
 namespace kzb {

@@ -9,7 +9,6 @@ namespace kzb {
 namespace {
 
 constexpr double residual_limit = 0.001;  // A, a plain sum over the branches
-constexpr int last_iteration = 49;
 
 }  // namespace
 
@@ -65,8 +64,8 @@ void Calc_Eq_generic::solve(double dt) {
         solver_.solve_once();
         solver_.record_best();
         const double residual = solver_.residual();
-        if (residual <= residual_limit || iteration == last_iteration) {
-            pass_counts_.unconverged_steps += residual <= residual_limit ? 0 : 1;
+        if (residual <= residual_limit || iteration + 1 == most_passes) {
+            pass_counts_.add(solver_.iteration(), residual <= residual_limit);
             solver_.apply_best();
             break;
         }
@@ -76,9 +75,6 @@ void Calc_Eq_generic::solve(double dt) {
             debug_.pass_solution(*circuit_, time_, iteration, residual);
         }
     }
-    ++pass_counts_.solved_steps;
-    pass_counts_.passes += solver_.iteration();
-    pass_counts_.most_passes = std::max(pass_counts_.most_passes, solver_.iteration());
     if (debug_.is_on()) {
         debug_.step(*circuit_, tables_.axes(), time_, solver_.iteration(), solver_.best_iteration());
     }

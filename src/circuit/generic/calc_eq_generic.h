@@ -25,6 +25,7 @@
 #include "circuit/generic/generic_circuit.h"
 #include "circuit/generic/generic_debug.h"
 #include "models/calc.h"
+#include "models/pass_counts.h"
 
 namespace kzb {
 
@@ -35,16 +36,10 @@ inline constexpr std::size_t port_groups = 6;
 // Index of the message for a circuit without a base potential.
 inline constexpr int no_base_potential = 24;
 
-// How the iterations of the steps went, since the model was opened.
-struct PassCounts {
-    long long solved_steps = 0;
-    long long passes = 0;
-    long long unconverged_steps = 0;
-    int most_passes = 0;
-};
-
 class Calc_Eq_generic : public Calc {
   public:
+    static constexpr int most_passes = 50;  // of a step
+
     Calc_Eq_generic();
     ~Calc_Eq_generic() override = default;
 
