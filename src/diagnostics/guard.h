@@ -1,12 +1,16 @@
 // The one place where exceptions end: every exported call is one lambda in this guard.
 //
-// Nothing else catches everything. `fallback` is the value that the call's document gives for "could not".
+// Nothing else catches everything. `fallback` is the value that the call's document gives for "could not". A host that
+// traps floating-point exceptions has them masked while the lambda runs.
 #pragma once
+
+#include "diagnostics/float_traps.h"
 
 namespace kzb {
 
 template <class Result, class Body>
 Result guarded(Result fallback, Body&& body) noexcept {
+    const FloatTrapsMasked masked;
     try {
         return body();
     } catch (...) {
@@ -16,6 +20,7 @@ Result guarded(Result fallback, Body&& body) noexcept {
 
 template <class Body>
 void guarded(Body&& body) noexcept {
+    const FloatTrapsMasked masked;
     try {
         body();
     } catch (...) {

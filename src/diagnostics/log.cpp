@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <memory>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -39,8 +40,10 @@ struct KZLogger {
     int (*on_fatal)(int) = nullptr;
 };
 
-// The one mutable global of the library.
+// The one mutable global of the library, and its lock.
 std::unique_ptr<KZLogger> logger;
+std::mutex lock;
+using Locked = std::lock_guard<std::mutex>;
 
 constexpr const char* level_names[] = {"Debug", "Message", "Warning", "Error"};
 constexpr const char* format_version = "0.3";
@@ -121,39 +124,18 @@ void drop_pending() {
     logger->data.clear();
 }
 
-}  // namespace
+// What the calls do; the lock is theirs.
 
-void log_create(const LogSettings& settings) {
-    log_finish();
-    logger = std::make_unique<KZLogger>();
-    logger->version = settings.version;
-    logger->encoding = settings.encoding;
-    logger->module = settings.module;
-    logger->path = settings.path;
-    logger->append = settings.append;
-    logger->echo_stdout = settings.echo_stdout;
-    logger->echo_stderr = settings.echo_stderr;
-    logger->on_fatal = settings.on_fatal;
-}
-
-int log_file_exists() {
+int file_exists() {
     return logger && !logger->path.empty() && open_file(logger->path, "r") ? 1 : 0;
 }
 
-bool log_is_open() {
-    if (!logger) {
-        std::fputs("Logger not initialised", stderr);
-        std::exit(1);
-    }
-    return logger->stream != nullptr;
-}
-
-void log_open() {
+void open_log() {
     if (!logger) {
         return;
     }
     logger->stream.reset();
-    const bool keep = logger->append && log_file_exists() == 1;
+    const bool keep = logger->append && file_exists() == 1;
     logger->stream = open_file(logger->path, keep ? "a" : "w");
     std::FILE* const out = logger->stream.get();
     if (out == nullptr) {
@@ -166,29 +148,9 @@ void log_open() {
     std::fflush(out);
 }
 
-void log_set_category(const char* text) {
-    if (logger) {
-        logger->category = text != nullptr ? text : "";
-    }
-}
-
-void log_add_comment(const char* text) {
-    if (logger) {
-        logger->comments.emplace_back(text != nullptr ? text : "");
-    }
-}
-
-void log_add_data(const char* key, const char* value, const char* type) {
-    if (logger) {
-        logger->data.push_back({key != nullptr ? key : "", value != nullptr ? value : "",
-                                type != nullptr ? std::optional<std::string>(type) : std::nullopt});
-    }
-}
-
-void log_message(int level, int code, const char* format, std::va_list arguments, bool own_formatter) {
-    level = std::clamp(level, level_debug, level_error);
-    if (!log_is_open()) {
-        log_open();
+void write_message(int level, int code, const char* format, std::va_list arguments, bool own_formatter) {
+    if (!logger->stream) {
+        open_log();
     }
     const char* const pattern = format != nullptr ? format : "";
     logger->buffer = own_formatter ? format_own(pattern, arguments) : format_runtime(pattern, arguments);
@@ -212,25 +174,14 @@ void log_message(int level, int code, const char* format, std::va_list arguments
     if (level > level_debug) {
         drop_pending();
     }
-    if (level == level_error && (logger->on_fatal == nullptr || logger->on_fatal(1) == 0)) {
-        log_finish();
-        std::exit(1);
-    }
 }
 
-void log_warning(int code, const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    log_message(level_warning, code, format, arguments, false);
-    va_end(arguments);
-}
-
-void log_finish() {
+void finish_log() {
     if (!logger) {
         return;
     }
-    if (!log_is_open()) {
-        log_open();
+    if (!logger->stream) {
+        open_log();
     }
     drop_pending();
     if (std::FILE* const out = logger->stream.get()) {
@@ -244,6 +195,104 @@ void log_finish() {
         std::fflush(out);
     }
     logger.reset();
+}
+
+// Outside the lock, which the end of the process may want.
+[[noreturn]] void end_without_record() {
+    std::fputs("Logger not initialised", stderr);
+    std::exit(1);
+}
+
+}  // namespace
+
+void log_create(const LogSettings& settings) {
+    auto made = std::make_unique<KZLogger>();
+    made->version = settings.version;
+    made->encoding = settings.encoding;
+    made->module = settings.module;
+    made->path = settings.path;
+    made->append = settings.append;
+    made->echo_stdout = settings.echo_stdout;
+    made->echo_stderr = settings.echo_stderr;
+    made->on_fatal = settings.on_fatal;
+    const Locked locked(lock);
+    finish_log();
+    logger = std::move(made);
+}
+
+int log_file_exists() {
+    const Locked locked(lock);
+    return file_exists();
+}
+
+bool log_is_open() {
+    {
+        const Locked locked(lock);
+        if (logger) {
+            return logger->stream != nullptr;
+        }
+    }
+    end_without_record();
+}
+
+void log_open() {
+    const Locked locked(lock);
+    open_log();
+}
+
+void log_set_category(const char* text) {
+    const Locked locked(lock);
+    if (logger) {
+        logger->category = text != nullptr ? text : "";
+    }
+}
+
+void log_add_comment(const char* text) {
+    const Locked locked(lock);
+    if (logger) {
+        logger->comments.emplace_back(text != nullptr ? text : "");
+    }
+}
+
+void log_add_data(const char* key, const char* value, const char* type) {
+    const Locked locked(lock);
+    if (logger) {
+        logger->data.push_back({key != nullptr ? key : "", value != nullptr ? value : "",
+                                type != nullptr ? std::optional<std::string>(type) : std::nullopt});
+    }
+}
+
+void log_message(int level, int code, const char* format, std::va_list arguments, bool own_formatter) {
+    level = std::clamp(level, level_debug, level_error);
+    int (*on_fatal)(int) = nullptr;
+    bool recorded = false;
+    {
+        const Locked locked(lock);
+        recorded = logger != nullptr;
+        if (recorded) {
+            write_message(level, code, format, arguments, own_formatter);
+            on_fatal = logger->on_fatal;
+        }
+    }
+    if (!recorded) {
+        end_without_record();
+    }
+    if (level == level_error && (on_fatal == nullptr || on_fatal(1) == 0)) {
+        log_finish();
+        std::exit(1);
+    }
+}
+
+void log_warning(int code, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    log_message(level_warning, code, format, arguments, false);
+    va_end(arguments);
+}
+
+void log_finish() {
+    const Locked locked(lock);
+    finish_log();
 }
 
 }  // namespace kzb

@@ -9,8 +9,11 @@
 //   </logfile>
 //
 // The record is optional: without one, setting a category does nothing and a report ends the process. A file that is
-// appended to holds one `logfile` start per run. XML characters are not escaped. There is no lock: threads must not log
-// at once.
+// appended to holds one `logfile` start per run. XML characters are not escaped.
+//
+// A lock makes each call one piece: messages of several threads stand whole, one behind the other, and are all there.
+// It doesn't bind calls together: the category and the pending comments and data belong to the record, so that what a
+// thread sets may come to stand in the next message of another one. `on_fatal` is asked outside the lock and may log.
 #pragma once
 
 #include <cstdarg>

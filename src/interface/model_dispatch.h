@@ -85,7 +85,7 @@ Result with_model(KZB_CALC* handle, Result fallback, Bodies&&... bodies) {
 // The same for a call that looks tables up: the environment is asked first, once.
 template <MotorSet types, class Result, class... Bodies>
 Result with_tables(KZB_CALC* handle, Result fallback, Bodies&&... bodies) {
-    if (has_model(handle) && handle->store != nullptr) {
+    if (has_model(handle) && serves(*handle, types) && handle->store != nullptr) {
         read_lookup_switches(*handle->store);
     }
     return with_model<types>(handle, fallback, std::forward<Bodies>(bodies)...);

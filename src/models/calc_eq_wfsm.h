@@ -26,6 +26,7 @@
 #include "models/calc_eq_wfsm_tables.h"
 #include "models/control_record.h"
 #include "models/material_losses.h"
+#include "models/pass_counts.h"
 #include "models/user_parameters.h"
 #include "store/store.h"
 
@@ -129,6 +130,8 @@ class Calc_Eq_wfsm : public Calc {
     const WfsmStep& state() const { return step_; }
     const WfsmLosses& losses() const { return losses_; }
     const WindingNetwork& network() const { return network_; }
+    // Of the steps that solve; a step whose currents are not finite did not converge.
+    const PassCounts& pass_counts() const { return pass_counts_; }
 
   private:
     static bool is_coil(int coil) { return coil >= 1 && coil <= 4; }
@@ -178,7 +181,9 @@ class Calc_Eq_wfsm : public Calc {
     // calc_eq_wfsm_step.cpp
     void first_step();
     WfsmCoils coil_resistances() const;
+    bool solves(const Drive& drive) const { return !(drive.dt <= 0.0) && step_.step_count != 1; }
     bool iterate(const Drive& drive, const PhaseAngles& at, bool& ok, int& error);
+    void count_passes(const Drive& drive, int passes, bool converged);
     double relax(const WfsmCoils& x);
     bool solve_currents(const Drive& drive, const WfsmCoils& x, const PhaseAngles& at, bool& ok, int& error);
     bool solve_network(const Drive& drive, const WfsmCoils& e, const WfsmCoils& x, bool& ok, int& error);
@@ -218,6 +223,7 @@ class Calc_Eq_wfsm : public Calc {
     UserParameters user_parameters_;
     WindingNetwork network_;
     WfsmDebug debug_;
+    PassCounts pass_counts_;
 };
 
 }  // namespace kzb

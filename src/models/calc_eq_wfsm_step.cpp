@@ -93,6 +93,7 @@ bool Calc_Eq_wfsm::iterate(const Drive& drive, const PhaseAngles& at, bool& ok, 
     double best_error = KZB_NO_VALUE;
     int best_pass = 0;
     bool ran_out = false;
+    double change = KZB_NO_VALUE;
     int pass = 0;
     for (;; ++pass) {
         update_scales();
@@ -100,10 +101,11 @@ bool Calc_Eq_wfsm::iterate(const Drive& drive, const PhaseAngles& at, bool& ok, 
         update_flux(point);
         update_inductance(point);
         if (!solve_currents(drive, x, at, ok, error)) {
+            count_passes(drive, pass + 1, false);
             return false;
         }
         write_pass_rows(pass, drive);
-        const double change = relax(x);
+        change = relax(x);
         if (change < best_error) {
             best_error = change;
             best_pass = pass;
@@ -127,7 +129,14 @@ bool Calc_Eq_wfsm::iterate(const Drive& drive, const PhaseAngles& at, bool& ok, 
         }
     }
     write_step_rows(drive, at, pass, ran_out ? best_pass : pass);
+    count_passes(drive, pass + 1, change < tolerance_);
     return true;
+}
+
+void Calc_Eq_wfsm::count_passes(const Drive& drive, int passes, bool converged) {
+    if (solves(drive)) {
+        pass_counts_.add(passes, converged);
+    }
 }
 
 // Moves `current` from the estimate x by `acceleration` of its change; returns the sum of the whole changes.
@@ -145,7 +154,7 @@ double Calc_Eq_wfsm::relax(const WfsmCoils& x) {
 bool Calc_Eq_wfsm::solve_currents(const Drive& drive, const WfsmCoils& x, const PhaseAngles& at, bool& ok, int& error) {
     WfsmStep& s = step_;
     WfsmCoils e{};
-    if (drive.dt <= 0.0 || s.step_count == 1) {
+    if (!solves(drive)) {
         s.current = s.current_previous;
     } else {
         for (std::size_t k = 0; k < 4; ++k) {

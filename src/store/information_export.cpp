@@ -1,10 +1,9 @@
 #include "store/information_export.h"
 
 #include <charconv>
-#include <cstdio>
-#include <memory>
 #include <vector>
 
+#include "store/format/file_sink.h"
 #include "store/record_list.h"
 
 namespace kzb {
@@ -199,14 +198,13 @@ int export_information(KZB_STORE& store, const char* path) {
         return 1;
     }
     const std::string text = information_document(store);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(path == nullptr ? nullptr : std::fopen(path, "w"),
-                                                               std::fclose);
-    if (!file) {
+    FileSink file(path == nullptr ? "" : path);
+    if (!file.is_open()) {
         store.error = error_output_file;
         return 1;
     }
-    // A write that fails is silent, as established.
-    std::fwrite(text.data(), 1, text.size(), file.get());
+    file.put(text);
+    file.close();  // a write that fails is silent, as established
     return 0;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/container/small_vector.hpp>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -43,8 +44,8 @@ class Coordinates {
 // Of a lookup that ended with a status above 0.
 void keep_status(KZB_STORE& store, const KZB_TABLE* table, int code, const double* coordinates, int count) {
     store.error = code;
-    if (LookupWatch* const watch = lookup_watch(); watch != nullptr && table != nullptr) {
-        watch->left_table(store, *table, coordinates, count);
+    if (store.watch != nullptr && table != nullptr) {
+        store.watch->left_table(*table, coordinates, count);
     }
 }
 
@@ -79,8 +80,13 @@ void append_debug_line(const LookupNames& names, const double* coordinates, int 
 
 void read_lookup_switches(KZB_STORE& store) {
     store.environment.refresh();
-    store.switches.generic_path = store.environment.generic_path();
-    store.debug_lines = store.environment.debug_lines();
+    // Nothing is written while the environment stays as it is: a call that turns out not to look up leaves no trace.
+    if (store.switches.generic_path != store.environment.generic_path()) {
+        store.switches.generic_path = store.environment.generic_path();
+    }
+    if (store.debug_lines != store.environment.debug_lines()) {
+        store.debug_lines = store.environment.debug_lines();
+    }
 }
 
 double look_up(KZB_STORE& store, const ResolvedTable& resolved, Scheme scheme, const LookupNames& names,
@@ -169,16 +175,16 @@ double TableRef::plain_at(KZB_STORE& store, const Method& method, const double* 
     return look_up_plain(store, resolved.category_exists, resolved.table, method.scheme, values, count);
 }
 
-void TableRef::plain_components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
-                                double* results) {
-    if (components_together(store, method, values, leading, count, results)) {
+void TableRef::plain_components(KZB_STORE& store, const Method& method, const double* values, int leading,
+                                const ComponentRange& range, double* results) {
+    if (components_together(store, method, values, leading, range, results)) {
         return;
     }
-    std::vector<double> point(values, values + leading);
+    boost::container::small_vector<double, 8> point(values, values + leading);
     point.push_back(0.0);
-    for (int component = 0; component < count; ++component) {
-        point.back() = component;
-        results[component] = plain_at(store, method, point.data(), leading + 1);
+    for (int k = 0; k < range.count; ++k) {
+        point.back() = range.at(k);
+        results[k] = plain_at(store, method, point.data(), leading + 1);
     }
 }
 

@@ -67,8 +67,8 @@ class TableRef {
 
     // The same as the lookup of subcategories gives them.
     double plain_at(KZB_STORE& store, const Method& method, const double* values, int count);
-    void plain_components(KZB_STORE& store, const Method& method, const double* values, int leading, int count,
-                          double* results);
+    void plain_components(KZB_STORE& store, const Method& method, const double* values, int leading,
+                          const ComponentRange& range, double* results);
 
   private:
     // All components in one search, where the table has them as its last axis and no single lookup has to be told

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "store/category_rollback.h"
+
 namespace kzb {
 
 namespace {
@@ -24,7 +26,9 @@ int put(KZB_STORE& store, std::string_view category, std::string_view key, List 
         // The texts may stand in this store, in a list that grows now.
         const std::string own_key(key);
         auto own_value = decltype(record->value)(value);
+        CategoryRollback rollback(store);
         (require_category(store, category)->*list).require(own_key).value = std::move(own_value);
+        rollback.keep();
     }
     ++store.revision;
     return 0;

@@ -18,6 +18,10 @@
 #include "table/lookup.h"
 #include "table/table.h"
 
+namespace kzb {
+class LookupWatch;
+}
+
 struct KZB_CATEGORY {
     std::string name;
     kzb::NamedList<kzb::Named<int>> ints;
@@ -48,6 +52,8 @@ struct KZB_STORE {
     kzb::LookupSwitches switches;   // read from the environment once per exported call
     bool debug_lines = false;       // KZBFILEHANDLER_DEBUG_MODE, likewise
     kzb::LookupCache lookup_cache;  // tables that the exported lookup resolved
+    // Who hears of lookups outside their tables, and outlives its place here; null: nobody.
+    kzb::LookupWatch* watch = nullptr;
 };
 
 namespace kzb {

@@ -1,7 +1,7 @@
 // Tables of the store: found, created and deleted by category and key.
 #include <utility>
 
-#include "store/store.h"
+#include "store/category_rollback.h"
 
 namespace kzb {
 
@@ -46,7 +46,9 @@ int create_table(KZB_STORE& store, std::string_view category, std::string_view k
     // The key may be the name of a category, which moves when one is added.
     const std::string own_key(key);
     int status = 1;
+    CategoryRollback rollback(store);
     table_create_in_category(store, *require_category(store, category), own_key, dim, sizes, status);
+    rollback.keep();
     return status;
 }
 

@@ -8,15 +8,12 @@ namespace kzb {
 
 namespace {
 
-std::vector<std::string> pieces_of(const std::string& text) {
-    std::vector<std::string> pieces;
-    boost::algorithm::split(pieces, text, boost::algorithm::is_any_of(";,:"));
-    return pieces;
-}
+constexpr const char* separators = ";,:";
 
 // Path elements; a separator at an end or doubled makes no element, since no index belongs to it.
 std::vector<std::string> elements_of(const char* path) {
-    std::vector<std::string> elements = pieces_of(path);
+    std::vector<std::string> elements;
+    boost::algorithm::split(elements, path, boost::algorithm::is_any_of(separators));
     std::erase(elements, std::string());
     return elements;
 }
@@ -33,10 +30,10 @@ std::string join(const std::vector<std::string>& elements, std::size_t count, co
 std::set<std::string> pieces_behind(const KZB_STORE& store, const std::string& text) {
     std::set<std::string> found;
     for (const KZB_CATEGORY& category : store.categories) {
-        if (boost::algorithm::contains(category.name, text)) {
-            std::string rest = category.name;
-            boost::algorithm::erase_first(rest, text);
-            found.insert(pieces_of(rest).front());
+        const std::size_t at = category.name.find(text);
+        if (at != std::string::npos) {
+            const std::string rest = std::string(category.name).erase(at, text.size());
+            found.insert(rest.substr(0, rest.find_first_of(separators)));
         }
     }
     return found;

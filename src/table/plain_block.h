@@ -1,16 +1,24 @@
-// Working set of a plain lookup: wrapped point, brackets, and a block of values that is reduced axis by axis.
+// Working set of a plain lookup: wrapped point, brackets, and the reduction of a block of values line by line.
+//
+// The block itself is never held: values are read in its order, the last axis fastest, and a line is reduced as soon as
+// it is full. Up to eight axes nothing is taken from the heap.
 #pragma once
 
+#include <boost/container/small_vector.hpp>
 #include <cstddef>
-#include <vector>
 
 #include "table/lookup.h"
 #include "table/stencil.h"
 
 namespace kzb {
 
-// Values of one lookup before reduction; more would be an absurd table.
+// Values that a lookup may read; more would be an absurd table.
 inline constexpr std::size_t most_block_values = std::size_t{1} << 27;
+// Axes that a lookup serves without the heap.
+inline constexpr std::size_t common_axes = 8;
+
+template <class T>
+using PerAxis = boost::container::small_vector<T, common_axes>;
 
 struct PlainPoint {
     explicit PlainPoint(const KZB_TABLE& table);
@@ -19,8 +27,8 @@ struct PlainPoint {
     // A position with this many entries per axis, or more, fits no block.
     static bool block_fits(int axes, int entries_per_axis);
 
-    std::vector<double> x;
-    std::vector<Bracket> brackets;
+    PerAxis<double> x;
+    PerAxis<Bracket> brackets;
     int status = 0;
 };
 
@@ -31,10 +39,38 @@ inline const double* grid_of(const KZB_TABLE& table, int axis) {
 
 bool has_all_grids(const KZB_TABLE& table);
 
-// Next combination of entry numbers, last axis fastest; false after the last one.
-bool next_combination(const std::vector<int>& counts, std::vector<int>& entries);
-
-// The values at all combinations of the stencils' entries.
-bool gather_block(const KZB_TABLE& table, const std::vector<Stencil>& stencils, ZeroedArray& block);
+// Reduces the block of the stencils' entries, the last axis first; kernel(axis, line) gives the value of one line.
+template <class Kernel>
+double reduce_block(const KZB_TABLE& table, const PerAxis<Stencil>& stencils, Kernel kernel) {
+    struct Line {
+        int filled = 0;
+        double value[6];
+    };
+    PerAxis<Line> lines(stencils.size());
+    PerAxis<int> indices;
+    for (const Stencil& stencil : stencils) {
+        indices.push_back(stencil.index[0]);
+    }
+    for (;;) {
+        double value = table_value_at(table, indices.data());
+        std::size_t a = stencils.size();
+        // Up through the lines that this value completes.
+        for (; a > 0; --a) {
+            const Stencil& stencil = stencils[a - 1];
+            Line& line = lines[a - 1];
+            line.value[line.filled++] = value;
+            if (line.filled < stencil.count) {
+                indices[a - 1] = stencil.index[line.filled];
+                break;
+            }
+            value = kernel(a - 1, line.value);
+            line.filled = 0;
+            indices[a - 1] = stencil.index[0];
+        }
+        if (a == 0) {
+            return value;
+        }
+    }
+}
 
 }  // namespace kzb

@@ -1,8 +1,9 @@
-// "Linear", "Cubic", "Spline4" and "Spline6" by their definitions: gather the block, reduce it axis by axis.
+// "Linear", "Cubic", "Spline4" and "Spline6" by their definitions: read the block, reduce it axis by axis.
 #include "table/plain_lookup.h"
 
 #include "table/kernels.h"
 #include "table/plain_block.h"
+#include "table/scratch.h"
 #include "table/stopwatch.h"
 
 namespace kzb {
@@ -15,27 +16,27 @@ int finish(double value, int status, double& result) {
 }
 
 // The 2^N corners, axis 0 in the highest bit of the corner number.
-void gather_corners(const KZB_TABLE& table, const PlainPoint& point, bool straight, ZeroedArray& corners,
+void gather_corners(const KZB_TABLE& table, const PlainPoint& point, bool straight, double* corners,
                     std::size_t count) {
     const auto axes = static_cast<std::size_t>(table.dim);
     const Bracket last = point.brackets[axes - 1];
     // Pairs are read in the straight path of four axes only, and with them goes the rule for the full turn.
     const bool pairs = straight && table.dim == 4 && last.hi == last.lo + 1;
-    std::vector<int> indices(axes);
+    PerAxis<int> indices(axes);
     for (std::size_t corner = 0; corner < count; corner += pairs ? 2 : 1) {
         for (std::size_t a = 0; a < axes; ++a) {
             const bool upper = (corner >> (axes - 1 - a) & 1U) != 0;
             indices[a] = upper ? point.brackets[a].hi : point.brackets[a].lo;
         }
         if (pairs) {
-            table_pair_at(table, indices.data(), corners.data() + corner);
+            table_pair_at(table, indices.data(), corners + corner);
         } else {
             corners[corner] = table_value_at(table, indices.data());
         }
     }
 }
 
-double reduce_corners(const KZB_TABLE& table, const PlainPoint& point, ZeroedArray& corners, std::size_t count,
+double reduce_corners(const KZB_TABLE& table, const PlainPoint& point, double* corners, std::size_t count,
                       double* timing) {
     for (int a = 0; a < table.dim; ++a) {
         const double* nodes = grid_of(table, a);
@@ -55,20 +56,6 @@ double reduce_corners(const KZB_TABLE& table, const PlainPoint& point, ZeroedArr
     return corners[0];
 }
 
-// Reduces the last axis first; kernel(axis, line) gives the value of one line.
-template <class Kernel>
-double reduce_from_last(const std::vector<Stencil>& stencils, ZeroedArray& block, Kernel kernel) {
-    std::size_t values = block.size();
-    for (std::size_t a = stencils.size(); a-- > 0;) {
-        const auto length = static_cast<std::size_t>(stencils[a].count);
-        values /= length;
-        for (std::size_t line = 0; line < values; ++line) {
-            block[line] = kernel(a, block.data() + line * length);
-        }
-    }
-    return block[0];
-}
-
 }  // namespace
 
 int plain_linear(const KZB_TABLE& table, const double* coordinates, double& result, double* timing,
@@ -86,8 +73,9 @@ int plain_linear(const KZB_TABLE& table, const double* coordinates, double& resu
     }
     const ProcessWatch gather_watch(switches.measure_time);
     const std::size_t count = std::size_t{1} << table.dim;
-    ZeroedArray corners;
-    if (!corners.allocate(count)) {
+    Scratch<std::size_t{1} << common_axes> scratch;
+    double* const corners = scratch.take(count);
+    if (corners == nullptr) {
         return lookup_no_memory;
     }
     gather_corners(table, point, !switches.generic_path, corners, count);
@@ -107,19 +95,16 @@ int plain_cubic(const KZB_TABLE& table, const double* coordinates, double& resul
         return lookup_no_memory;
     }
     const ProcessWatch gather_watch(switches.measure_time);
-    std::vector<Stencil> stencils(point.x.size());
+    PerAxis<Stencil> stencils(point.x.size());
     bool placed = true;
     for (std::size_t a = 0; a < stencils.size(); ++a) {
         cubic_stencil(table.axes[a].data(), table.sizes[a], table.cyclic[a] >= 1, point.brackets[a], stencils[a]);
         placed = placed && point.brackets[a].lo >= 0;
     }
-    ZeroedArray block;
-    if (!gather_block(table, stencils, block)) {
-        return lookup_no_memory;
-    }
     gather_watch.add_to(timing[slot_cubic_gather]);
+    // Values are read while they are reduced.
     const MillisecondWatch core_watch(switches.measure_time);
-    const double value = reduce_from_last(stencils, block, [&](std::size_t a, const double* line) {
+    const double value = reduce_block(table, stencils, [&](std::size_t a, const double* line) {
         return hermite_segment(line, stencils[a].node, point.x[a], timing);
     });
     core_watch.add_to(timing[slot_cubic_core]);
@@ -138,20 +123,17 @@ int plain_local_spline(const KZB_TABLE& table, const double* coordinates, int wi
         return lookup_no_memory;
     }
     const ProcessWatch gather_watch(switches.measure_time);
-    std::vector<Stencil> stencils(point.x.size());
+    PerAxis<Stencil> stencils(point.x.size());
     for (std::size_t a = 0; a < stencils.size(); ++a) {
         const bool cyclic = table.cyclic[a] >= 1;
         spline_stencil(table.axes[a].data(), table.sizes[a], cyclic, point.brackets[a], width, stencils[a]);
     }
-    ZeroedArray block;
-    if (!gather_block(table, stencils, block)) {
-        return lookup_no_memory;
-    }
     gather_watch.add_to(timing[slot_spline_gather]);
+    // Values are read while they are reduced.
     const MillisecondWatch core_watch(switches.measure_time);
     // "Spline4" has no generic path up to five axes.
     const bool core = table.dim > 5 || (width == 6 && switches.generic_path);
-    const double value = reduce_from_last(stencils, block, [&](std::size_t a, const double* line) {
+    const double value = reduce_block(table, stencils, [&](std::size_t a, const double* line) {
         const int m = stencils[a].count;
         // An axis of one node hands over to the next; the last one has no next.
         if (m == 1 && a + 1 < stencils.size()) {

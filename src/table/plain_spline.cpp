@@ -1,31 +1,55 @@
-// "Spline" by its definition: axis after axis, each step turns the table into one of an axis less.
+// "Spline" by its definition: axis after axis, each turns the table into one of an axis less.
+//
+// The smaller tables are never held. Values are read with axis 0 fastest, and each axis has one line: what completes a
+// line of one axis is an entry in the line of the next.
 #include "table/kernels.h"
 #include "table/plain_block.h"
 #include "table/plain_lookup.h"
+#include "table/scratch.h"
 
 namespace kzb {
 
 namespace {
 
-// One step: `values` holds `rows` slabs of `combinations` values each; the result replaces the first slab.
-bool reduce_first_axis(ZeroedArray& values, const double* nodes, int rows, std::size_t combinations, double q,
-                       int cyclic, int& status, double* timing) {
-    ZeroedArray line;
-    if (!line.allocate(static_cast<std::size_t>(rows))) {
-        return false;
+struct AxisLine {
+    double* values = nullptr;
+    int filled = 0;
+    int status = 0;  // of its lines; all of them have the same
+};
+
+void close_line(const KZB_TABLE& table, std::size_t axis, double q, AxisLine& line, double& value, double* timing) {
+    const double* nodes = table.axes[axis].data();
+    int status = 0;
+    value = nodes != nullptr
+                ? global_spline(nodes, line.values, table.sizes[axis], q, status, table.cyclic[axis], timing)
+                : KZB_NO_VALUE;
+    if (status > 0) {
+        line.status = status;
     }
-    for (std::size_t k = 0; k < combinations; ++k) {
-        for (int i = 0; i < rows; ++i) {
-            line[static_cast<std::size_t>(i)] = values[static_cast<std::size_t>(i) * combinations + k];
+    line.filled = 0;
+}
+
+double reduce_table(const KZB_TABLE& table, const PlainPoint& point, PerAxis<AxisLine>& lines, double* timing) {
+    std::size_t position = 0;
+    for (;;) {
+        double value = table.values[position];
+        std::size_t a = 0;
+        // Up through the lines that this value completes.
+        for (; a < lines.size(); ++a) {
+            const auto stride = static_cast<std::size_t>(table.strides[a]);
+            AxisLine& line = lines[a];
+            line.values[line.filled++] = value;
+            if (line.filled < table.sizes[a]) {
+                position += stride;
+                break;
+            }
+            position -= stride * static_cast<std::size_t>(table.sizes[a] - 1);
+            close_line(table, a, point.x[a], line, value, timing);
         }
-        int line_status = 0;
-        values[k] =
-            nodes != nullptr ? global_spline(nodes, line.data(), rows, q, line_status, cyclic, timing) : KZB_NO_VALUE;
-        if (line_status > 0) {
-            status = line_status;
+        if (a == lines.size()) {
+            return value;
         }
     }
-    return true;
 }
 
 }  // namespace
@@ -49,22 +73,25 @@ int plain_spline(const KZB_TABLE& table, const double* coordinates, double& resu
         }
         return status;
     }
-    std::size_t left = static_cast<std::size_t>(table.total);
-    ZeroedArray values;
-    if (!values.allocate(left)) {
+    std::size_t rows = 0;
+    for (std::size_t a = 0; a < point.x.size(); ++a) {
+        rows += static_cast<std::size_t>(table.sizes[a]);
+    }
+    Scratch<8192> scratch;
+    double* memory = scratch.take(rows);
+    if (memory == nullptr) {
         return lookup_no_memory;
     }
-    for (std::size_t k = 0; k < left; ++k) {
-        values[k] = table.values[k];
+    PerAxis<AxisLine> lines(point.x.size());
+    for (std::size_t a = 0; a < lines.size(); ++a) {
+        lines[a].values = memory;
+        memory += table.sizes[a];
     }
-    for (std::size_t a = 0; a < point.x.size(); ++a) {
-        left /= static_cast<std::size_t>(table.sizes[a]);
-        if (!reduce_first_axis(values, table.axes[a].data(), table.sizes[a], left, point.x[a], table.cyclic[a], status,
-                               timing)) {
-            return lookup_no_memory;
-        }
+    result = reduce_table(table, point, lines, timing);
+    // The last axis with a status decides.
+    for (const AxisLine& line : lines) {
+        status = line.status > 0 ? line.status : status;
     }
-    result = values[0];
     return status;
 }
 

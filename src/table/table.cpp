@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <limits>
+#include <new>
 
 #include "table/table_shape.h"
 
@@ -74,7 +75,7 @@ bool table_shape(KZB_TABLE& table, int dim, const int* rows) {
         table.memos.assign(table.sizes.size(), AxisMemo{});
     } catch (const std::exception&) {
         table_free(table);
-        return false;
+        throw std::bad_alloc();
     }
     table.total = static_cast<int>(good.values);
     return true;
@@ -86,7 +87,7 @@ int table_create(KZB_TABLE& table, int dim, const int* rows) {
     }
     if (!table.values.allocate(static_cast<std::size_t>(table.total))) {
         table.total = 0;
-        return 1;
+        throw std::bad_alloc();
     }
     return 0;
 }
@@ -118,10 +119,13 @@ int table_set_axis_value(KZB_TABLE* table, int axis_no, int index, double value)
         return 1;
     }
     // A record whose creation failed has no place for grids.
-    if (axis >= table->axes.size() ||
-        (!table->axes[axis] && !table->axes[axis].allocate(static_cast<std::size_t>(table->sizes[axis])))) {
+    if (axis >= table->axes.size()) {
         std::perror("memory allocation error");
         return 1;
+    }
+    if (!table->axes[axis] && !table->axes[axis].allocate(static_cast<std::size_t>(table->sizes[axis]))) {
+        std::perror("memory allocation error");
+        throw std::bad_alloc();
     }
     table->axes[axis][static_cast<std::size_t>(index)] = value;
     table->memos[axis] = AxisMemo{};

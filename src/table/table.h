@@ -56,12 +56,13 @@ struct KZB_TABLE {
 namespace kzb {
 
 // Gives `table` the shape `rows` with zero values and no grids; keeps its keyword. Result 1 for a row count below 1
-// ("The num of row is zero.\n"), a negative dim, a product beyond int or for want of memory; the record then stays as
-// far as it had come.
+// ("The num of row is zero.\n"), a negative dim or a product beyond int; the record then stays as far as it had come.
+// Throws bad_alloc for want of memory, with a record that has no values.
 int table_create(KZB_TABLE& table, int dim, const int* rows);
 // Releases all arrays; keeps the keyword.
 void table_free(KZB_TABLE& table);
 
+// Throws bad_alloc where the grid finds no memory ("memory allocation error").
 int table_set_axis_value(KZB_TABLE* table, int axis_no, int index, double value);
 double table_get_axis_value(const KZB_TABLE* table, int axis_no, int index);
 int table_set_cyclic_flag(KZB_TABLE* table, int axis_no, int flag);

@@ -5,7 +5,7 @@
 
 namespace kzb {
 
-// As table_create, but without values: they are null. False where table_create gives 1.
+// As table_create, but without values: they are null. False where table_create gives 1; throws as it does.
 bool table_shape(KZB_TABLE& table, int dim, const int* rows);
 
 }  // namespace kzb

@@ -1,56 +1,17 @@
-// The calls of a generic model that take whole arrays: which counts they refuse, what they set and in which order.
+// The calls of a generic model that take whole arrays: inputs, outputs, switches and table values; which counts they
+// refuse, what they set and in which order.
+#include "interface/generic_arrays.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
-
-#include "interface/generic_machine.h"
 
 namespace {
 
 using namespace kzb_test;
 using testing::Each;
 using testing::ElementsAre;
-
-constexpr int most = std::numeric_limits<int>::max();
-constexpr int least = std::numeric_limits<int>::min();
-
-class GenericArrays : public testing::Test {
-  protected:
-    GenericArrays()
-        : calc_((generic_machine(file_), add_generic_outputs(file_), add_generic_iron_loss(file_), file_)) {}
-
-    // The six switches: table values kept, temperature on, corrections and temperature data applied, interpolation.
-    void choose(int keep, int temperature, int corrections, int data, int set = 0, int type = 0) {
-        const int values[] = {keep, temperature, corrections, data, set, type};
-        ASSERT_EQ(kzbcalcSetParametersForGenericModel(values, 6, calc_), 0);
-    }
-    std::vector<double> resistances() {
-        return {kzbcalcGetCoilResistanceForGenericModel(1, calc_), kzbcalcGetCoilResistanceForGenericModel(2, calc_),
-                kzbcalcGetResistanceForGenericModel(1, calc_),     kzbcalcGetResistanceForGenericModel(2, calc_),
-                kzbcalcGetResistanceForGenericModel(3, calc_),     kzbcalcGetInductanceForGenericModel(1, calc_),
-                kzbcalcGetCapacitanceForGenericModel(1, calc_)};
-    }
-    int set_table_values(int count1, int count2, int count3, int count4, int count5) {
-        const int types[] = {1, 1};
-        const double coils[] = {21.0, 22.0};
-        const double resistors[] = {31.0, 32.0, 33.0};
-        const double inductors[] = {41.0};
-        const double capacitors[] = {51.0};
-        return kzbcalcSetTableValuesForGenericModel(types, count1, coils, count2, resistors, count3, inductors, count4,
-                                                    capacitors, count5, calc_);
-    }
-    void sample(double time, const std::vector<double>& inputs) {
-        kzbcalcSetTime(time, calc_);
-        kzbcalcSetInputValuesForGenericModel(inputs.data(), static_cast<int>(inputs.size()), calc_);
-        kzbcalcExecute(calc_);
-        kzbcalcUpdate(calc_);
-    }
-
-    ModelFile file_;
-    Calculator calc_;
-};
 
 // ---- inputs and outputs
 
@@ -227,187 +188,6 @@ TEST_F(GenericArrays, source_types_count_from_1_and_are_set_even_when_table_valu
     EXPECT_EQ(kzbcalcSetTableValuesForGenericModel(odd, 2, nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0, calc_), 0);
     EXPECT_EQ(kzbcalcGetPowerSupplyTypeForGenericModel(1, calc_), 1);
     EXPECT_EQ(kzbcalcGetPowerSupplyTypeForGenericModel(2, calc_), 0);
-}
-
-// ---- corrections
-
-class GenericCorrections : public GenericArrays {
-  protected:
-    struct Counts {
-        int flux = 2, force = 2, user = 2, turns = 2, base = 2, coefficient = 2;
-    };
-    int set_corrections(const Counts& counts) {
-        return kzbcalcSetCorrectionFactorsForGenericModel(flux_, counts.flux, force_, counts.force, user_, counts.user,
-                                                          turns_, counts.turns, base_, counts.base, coefficient_,
-                                                          counts.coefficient, calc_);
-    }
-    std::vector<double> factors() {
-        std::vector<double> all;
-        for (const auto get :
-             {kzbcalcGetCorrectionOfFluxForGenericModel, kzbcalcGetCorrectionOfForceForGenericModel,
-              kzbcalcGetCorrectionOfCoilTurn2ForGenericModel, kzbcalcGetCoilBaseTemperatureForGenericModel,
-              kzbcalcGetCoilTemperatureCorrectionCoefficientForGenericModel}) {
-            all.push_back(get(1, calc_));
-            all.push_back(get(2, calc_));
-        }
-        return all;
-    }
-
-    double flux_[2] = {1.5, 1.6};
-    double force_[2] = {2.5, 2.6};
-    double user_[2] = {3.5, 3.6};
-    double turns_[2] = {4.5, 4.6};
-    double base_[2] = {305.0, 306.0};
-    double coefficient_[2] = {500.0, 600.0};
-};
-
-TEST_F(GenericCorrections, nothing_is_set_nor_refused_unless_asked_for) {
-    EXPECT_EQ(set_corrections({}), 0);
-    EXPECT_EQ(set_corrections({3, 3, 3, 3, 3, 3}), 0);
-    EXPECT_THAT(factors(), ElementsAre(1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 293.15, 293.15, 1000.0, 1000.0));
-}
-
-TEST_F(GenericCorrections, factors_alone) {
-    choose(0, 0, 1, 0);
-    EXPECT_EQ(set_corrections({2, 2, 2, 2, 99, 99}), 0);
-    EXPECT_THAT(factors(), ElementsAre(1.5, 1.6, 2.5, 2.6, 4.5, 4.6, 293.15, 293.15, 1000.0, 1000.0));
-}
-
-TEST_F(GenericCorrections, temperature_data_alone) {
-    choose(0, 0, 0, 1);
-    EXPECT_EQ(set_corrections({99, 99, 99, 99, 2, 2}), 0);
-    EXPECT_THAT(factors(), ElementsAre(1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 305.0, 306.0, 500.0, 600.0));
-}
-
-TEST_F(GenericCorrections, counts_too_large_stop_at_their_group) {
-    choose(0, 0, 1, 1);
-    EXPECT_EQ(set_corrections({2, 3, 2, 2, 2, 2}), 180062);
-    EXPECT_THAT(factors(), ElementsAre(1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 293.15, 293.15, 1000.0, 1000.0));
-    for (const Counts& counts : {Counts{2, 2, 3, 2, 2, 2}, {3, 2, 2, 2, 2, 2}, {2, 2, 2, most, 2, 2}}) {
-        EXPECT_EQ(set_corrections(counts), 180062);
-        EXPECT_THAT(factors(), ElementsAre(1.0, 1.0, 2.5, 2.6, 1.0, 1.0, 293.15, 293.15, 1000.0, 1000.0));
-    }
-    for (const Counts& counts : {Counts{2, 2, 2, 2, 3, 2}, {2, 2, 2, 2, 2, 3}}) {
-        EXPECT_EQ(set_corrections(counts), 180062);
-        EXPECT_THAT(factors(), ElementsAre(1.5, 1.6, 2.5, 2.6, 4.5, 4.6, 293.15, 293.15, 1000.0, 1000.0));
-    }
-}
-
-TEST_F(GenericCorrections, shorter_and_null_arrays_end_early) {
-    choose(0, 0, 1, 1);
-    EXPECT_EQ(set_corrections({1, 1, 1, 0, 1, -1}), 0);
-    EXPECT_THAT(factors(), ElementsAre(1.5, 1.0, 2.5, 1.0, 1.0, 1.0, 305.0, 293.15, 1000.0, 1000.0));
-    EXPECT_EQ(kzbcalcSetCorrectionFactorsForGenericModel(nullptr, 2, nullptr, 2, nullptr, 2, nullptr, 2, nullptr, 2,
-                                                         nullptr, 2, calc_),
-              0);
-    EXPECT_THAT(factors(), ElementsAre(1.5, 1.0, 2.5, 1.0, 1.0, 1.0, 305.0, 293.15, 1000.0, 1000.0));
-}
-
-// Those of the forces are taken as they are.
-TEST_F(GenericCorrections, factors_of_0_and_below_are_passed_over_but_for_the_forces) {
-    choose(0, 0, 1, 1);
-    flux_[0] = 0.0;
-    flux_[1] = -1.0;
-    force_[0] = 0.0;
-    force_[1] = -2.0;
-    turns_[0] = -4.0;
-    base_[0] = -1.0;
-    coefficient_[1] = -1.0;
-    EXPECT_EQ(set_corrections({}), 0);
-    EXPECT_THAT(factors(), ElementsAre(1.0, 1.0, 0.0, -2.0, 1.0, 4.6, 293.15, 306.0, 500.0, 1000.0));
-}
-
-// One user input, two user-specified values: the second factor isn't taken, as established.
-TEST_F(GenericCorrections, user_factors_reach_as_far_as_there_are_user_inputs) {
-    choose(0, 0, 1, 0);
-    EXPECT_EQ(kzbcalcGetNumberOfUserInputParameters(calc_), 1);
-    EXPECT_EQ(set_corrections({}), 0);
-    kzbcalcSetData(calc_);
-    sample(0.0, {0.0, 0.0, 300.0, 300.0, 0.0, 0.0});
-    EXPECT_NEAR(kzbcalcGetUserSpecifiedParameter(1, calc_), 3.5 * 7.0, 1e-9);
-    EXPECT_NEAR(kzbcalcGetUserSpecifiedParameter(2, calc_), 100.0, 1e-9);
-    // The single call sets it.
-    EXPECT_EQ(kzbcalcSetCorrectionOfUserSpecifiedParameterForGenericModel(2, 3.6, calc_), 0);
-    EXPECT_NEAR(kzbcalcGetUserSpecifiedParameter(2, calc_), 360.0, 1e-9);
-    user_[0] = 0.0;
-    EXPECT_EQ(set_corrections({}), 0);
-    EXPECT_NEAR(kzbcalcGetUserSpecifiedParameter(1, calc_), 3.5 * 7.0, 1e-9);
-}
-
-// ---- initial values
-
-class GenericInitialValues : public GenericArrays {
-  protected:
-    struct Counts {
-        int rotary = 1, linear = 1, coils = 2, resistors = 3, inductors = 1, capacitors = 1;
-    };
-    int set_initial(const Counts& counts) {
-        const double rotary[] = {30.0, 31.0, 32.0};
-        const double linear[] = {0.5, 0.75, 0.8};
-        const double coils[] = {1.5, 1.6, 1.7};
-        const double resistors[] = {2.5, 2.6, 2.7};
-        const double inductors[] = {3.5};
-        const double capacitors[] = {4.5};
-        return kzbcalcSetInitialValuesForGenericModel(rotary, counts.rotary, linear, counts.linear, coils, counts.coils,
-                                                      resistors, counts.resistors, inductors, counts.inductors,
-                                                      capacitors, counts.capacitors, calc_);
-    }
-    std::vector<double> currents() {
-        return {kzbcalcGetCoilCurrentForGenericModel(1, calc_),     kzbcalcGetCoilCurrentForGenericModel(2, calc_),
-                kzbcalcGetResistorCurrentForGenericModel(1, calc_), kzbcalcGetResistorCurrentForGenericModel(2, calc_),
-                kzbcalcGetResistorCurrentForGenericModel(3, calc_), kzbcalcGetInductorCurrentForGenericModel(1, calc_),
-                kzbcalcGetCapacitorCurrentForGenericModel(1, calc_)};
-    }
-    // Positions as the tables see them, in degrees and the linear unit.
-    std::vector<double> positions() {
-        kzbcalcSetData(calc_);
-        sample(0.0, {0.0, 0.0, 300.0, 300.0, 0.0, 0.0});
-        return {(kzbcalcGetForceForGenericModel(1, calc_) - 3.0 * kzbcalcGetCoilCurrentForGenericModel(1, calc_)) / 0.5,
-                (kzbcalcGetForceForGenericModel(2, calc_) - kzbcalcGetCoilCurrentForGenericModel(2, calc_)) / 10.0};
-    }
-};
-
-TEST_F(GenericInitialValues, positions_and_currents_reach_their_components) {
-    EXPECT_EQ(set_initial({}), 0);
-    EXPECT_THAT(currents(), ElementsAre(1.5, 1.6, 2.5, 2.6, 2.7, 3.5, 4.5));
-    const std::vector<double> at = positions();
-    EXPECT_NEAR(at[0], 30.0, 1e-9);
-    EXPECT_NEAR(at[1], 0.5, 1e-9);
-}
-
-TEST_F(GenericInitialValues, counts_too_large_set_nothing) {
-    for (const Counts& counts : {Counts{2, 1},
-                                 {1, 2},
-                                 {3, 0},
-                                 {0, 3},
-                                 {most, most},
-                                 {1, 1, 3},
-                                 {1, 1, 2, 4},
-                                 {1, 1, 2, 3, 2},
-                                 {1, 1, 2, 3, 1, 2},
-                                 {1, 1, most}}) {
-        EXPECT_EQ(set_initial(counts), 180062);
-    }
-    EXPECT_THAT(currents(), Each(0.0));
-    const std::vector<double> at = positions();
-    EXPECT_NEAR(at[0], 0.0, 1e-12);
-    EXPECT_NEAR(at[1], 0.0, 1e-12);
-}
-
-TEST_F(GenericInitialValues, each_kind_of_motion_takes_from_its_own_array) {
-    EXPECT_EQ(set_initial({0, 2, 0, 0, 0, 0}), 0);
-    std::vector<double> at = positions();
-    EXPECT_NEAR(at[0], 0.0, 1e-12);
-    EXPECT_NEAR(at[1], 0.5, 1e-9);
-    EXPECT_THAT(currents(), Each(0.0));
-    EXPECT_EQ(set_initial({1, 0, -1, 1, 0, least}), 0);
-    at = positions();
-    EXPECT_NEAR(at[0], 30.0, 1e-9);
-    EXPECT_NEAR(at[1], 0.5, 1e-9);  // as before
-    EXPECT_EQ(kzbcalcSetInitialValuesForGenericModel(nullptr, 1, nullptr, 1, nullptr, 2, nullptr, 3, nullptr, 1,
-                                                     nullptr, 1, calc_),
-              0);
-    EXPECT_NEAR(positions()[0], 30.0, 1e-9);
 }
 
 }  // namespace

@@ -257,6 +257,45 @@ TEST(wfsm_step, tolerance_bounds_the_plain_sum_of_changes) {
     EXPECT_EQ(passes_with("0"), 200.0);
 }
 
+// The counts are those of the passes above; a step at no time's distance, or the first one, solves nothing.
+TEST(wfsm_step, passes_of_solved_steps_are_counted) {
+    const auto counts_with = [](const char* tolerance, const char* most, double voltage) {
+        const Environment limit("DORN_KZ_DEBUG_ITR", tolerance);
+        const Environment passes("DORN_KZ_DEBUG_NITR", most);
+        Machine m;
+        m.first();
+        sample(m.model, {}, 0.0, 0.0);
+        EXPECT_EQ(m.model.pass_counts().solved_steps, 0);
+        const Four on{1.0, 1.0, 1.0, 1.0};
+        const Four v{voltage, -20.0, -80.0, 20.0};
+        int error = 0;
+        m.model.step(v.data(), 0.0, dt, on.data(), error);
+        return m.model.pass_counts();
+    };
+    // A linear machine: solved by the first pass, which the second finds.
+    PassCounts found = counts_with("0.001", "200", 100.0);
+    EXPECT_EQ(found.solved_steps, 1);
+    EXPECT_EQ(found.passes, 2);
+    EXPECT_EQ(found.most_passes, 2);
+    EXPECT_EQ(found.unconverged_steps, 0);
+    // The last pass allowed may be the one that finds it.
+    found = counts_with("0.001", "2", 100.0);
+    EXPECT_EQ(found.passes, 2);
+    EXPECT_EQ(found.unconverged_steps, 0);
+    // One pass moves far and is not followed by another; no change is below nothing.
+    found = counts_with("0.001", "1", 100.0);
+    EXPECT_EQ(found.passes, 1);
+    EXPECT_EQ(found.unconverged_steps, 1);
+    found = counts_with("0", "200", 100.0);
+    EXPECT_EQ(found.passes, 200);
+    EXPECT_EQ(found.unconverged_steps, 1);
+    // Fails in its first pass.
+    found = counts_with("0.001", "200", std::numeric_limits<double>::infinity());
+    EXPECT_EQ(found.solved_steps, 1);
+    EXPECT_EQ(found.passes, 1);
+    EXPECT_EQ(found.unconverged_steps, 1);
+}
+
 // Relaxed by 2.5 the passes of a linear machine run away from the solution, x - s growing by -1.5 each time; the best
 // of them is the first, whose change is the smallest.
 TEST(wfsm_step, loop_that_runs_out_keeps_the_best_estimate) {

@@ -1,5 +1,7 @@
 #include "kzb/build_pmsm.h"
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "fmt/format.h"
@@ -63,9 +65,9 @@ std::vector<DeviationReport> compare_pmsm(KZB_STORE* store, const PmsmBuild& bui
 
 StorePointer write_model(KZB_STORE* store, const std::string& path, const std::string& form) {
     OutputFile file(path);
-    const bool ascii = form == "ascii";
-    if (!(ascii ? write_ascii(*store, file.temporary_path()) : write_binary(*store, file.temporary_path()))) {
-        throw Failure(exit_run_failed, fmt::format("{}: cannot be written whole", path));
+    if (const auto write = form == "ascii" ? write_ascii : write_binary;
+        !write(*store, file.temporary_path(), Writing::in_place)) {
+        throw Failure(exit_run_failed, fmt::format("{}: cannot write: {}", path, std::strerror(errno)));
     }
     StorePointer written = open_store();
     if (kzb_reader(file.temporary_path().c_str(), written.get()) != 0) {

@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "fmt/format.h"
@@ -38,7 +40,7 @@ int terminal_width() {
 void Context::print(std::string_view text) const {
     if (results == nullptr || std::fwrite(text.data(), 1, text.size(), results) != text.size() ||
         std::fflush(results) != 0) {
-        throw Failure(exit_run_failed, "standard output: could not be written");
+        throw Failure(exit_run_failed, fmt::format("standard output: cannot write: {}", std::strerror(errno)));
     }
 }
 

@@ -81,7 +81,7 @@ void GenericSimulation::run(const std::vector<Output>& outputs,
             sample.speeds[k] = mechanics[k].speed();
         }
         feed(n == 0 ? sample.time : scenario().time_of(n - 1), sample);
-        check(kzbcalcExecute(handle()), "kzbcalcExecute", sample.time);
+        execute_once(sample.time);
         read_forces(sample);
         if (n % scenario().record_every == 0 && sample.time >= scenario().record_from) {
             std::transform(outputs.begin(), outputs.end(), values.begin(),

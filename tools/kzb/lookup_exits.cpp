@@ -5,18 +5,15 @@
 
 namespace kzb::tool {
 
-LookupExits::LookupExits(const KZB_STORE& store) : store_(store) {
-    set_lookup_watch(this);
+LookupExits::LookupExits(KZB_STORE& store) : store_(store) {
+    store_.watch = this;
 }
 
 LookupExits::~LookupExits() {
-    set_lookup_watch(nullptr);
+    store_.watch = nullptr;
 }
 
-void LookupExits::left_table(const KZB_STORE& store, const KZB_TABLE& table, const double* coordinates, int count) {
-    if (&store != &store_) {
-        return;
-    }
+void LookupExits::left_table(const KZB_TABLE& table, const double* coordinates, int count) {
     for (int axis = 1; axis <= std::min(table.dim, count); ++axis) {
         const auto place = static_cast<std::size_t>(axis) - 1;
         const int nodes = table.sizes[place];

@@ -22,15 +22,15 @@ struct AxisExit {
     double farthest = 0.0;  // coordinate
 };
 
-// Listens to the lookups of a store on this thread as long as it lives; the store must live longer.
+// Listens to the lookups of a store as long as it lives; the store must live longer.
 class LookupExits : public LookupWatch {
   public:
-    explicit LookupExits(const KZB_STORE& store);
+    explicit LookupExits(KZB_STORE& store);
     ~LookupExits() override;
     LookupExits(const LookupExits&) = delete;
     LookupExits& operator=(const LookupExits&) = delete;
 
-    void left_table(const KZB_STORE& store, const KZB_TABLE& table, const double* coordinates, int count) override;
+    void left_table(const KZB_TABLE& table, const double* coordinates, int count) override;
     // In the order of the store.
     std::vector<AxisExit> exits() const;
 
@@ -39,7 +39,7 @@ class LookupExits : public LookupWatch {
         std::uint64_t lookups = 0;
         double farthest = 0.0;
     };
-    const KZB_STORE& store_;
+    KZB_STORE& store_;
     std::map<std::pair<const KZB_TABLE*, int>, Count> counts_;  // the axis, negative below its first node
 };
 

@@ -1,7 +1,9 @@
 #include "kzb/model_rewrite.h"
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include "fmt/format.h"
 #include "fmt/ranges.h"
@@ -141,10 +143,9 @@ RewriteReport rewrite_model(const RewriteOptions& options, const Edit* edit) {
     if (binary) {
         refuse_axes_without_nodes(report.options, store);
     }
-    const bool written =
-        binary ? write_binary(store, output.temporary_path()) : write_ascii(store, output.temporary_path());
-    if (!written) {
-        throw Failure(exit_run_failed, fmt::format("{}: could not be written whole", options.output));
+    if (const auto write = binary ? write_binary : write_ascii;
+        !write(store, output.temporary_path(), Writing::in_place)) {
+        throw Failure(exit_run_failed, fmt::format("{}: cannot write: {}", options.output, std::strerror(errno)));
     }
     const ModelFile copy = read_back(report.options, output.temporary_path());
     report.categories = store.categories.size();

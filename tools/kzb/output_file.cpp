@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -11,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "fmt/format.h"
 #include "kzb/command.h"
@@ -106,11 +108,17 @@ void copy_straight(const std::string& from, const std::string& to) {
         fail(to);
     }
     std::array<char, buffer_limit> block{};
-    for (ssize_t n = read(in, block.data(), block.size()); n > 0; n = read(in, block.data(), block.size())) {
-        write_all(out, {block.data(), static_cast<std::size_t>(n)}, to);
-    }
+    ssize_t length = 0;
+    do {
+        length = read(in, block.data(), block.size());
+        write_all(out, {block.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0))}, to);
+    } while (length > 0);
+    const int cause = errno;
     close(in);
-    close(out);
+    if (close(out) != 0 || length < 0) {
+        errno = length < 0 ? cause : errno;
+        fail(to);
+    }
 }
 
 }  // namespace
@@ -167,7 +175,9 @@ void OutputFile::flush() {
 
 void OutputFile::commit() {
     flush();
-    close(fd_);
+    if (close(std::exchange(fd_, -1)) != 0) {
+        fail(path_);
+    }
     // Opened anew: a writer that took the path may have replaced the file.
     fd_ = open(temporary_.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd_ < 0 || fchmod(fd_, mode_for(place_)) != 0 || fsync(fd_) != 0) {

@@ -165,9 +165,8 @@ void warn_of_run(const Options& options, const Simulation& simulation, const std
     for (const AxisExit& exit : simulation.exits()) {
         warn(fmt::format("{}: {}", options.file, exit_text(exit)));
     }
-    if (const auto passes = passes_of(*simulation.handle()); passes && passes->unconverged_steps > 0) {
-        warn(fmt::format("{}: {} of {} solved steps did not converge within 50 passes; the best pass stands",
-                         options.file, passes->unconverged_steps, passes->solved_steps));
+    if (const std::string text = unconverged_text(simulation.passes()); !text.empty()) {
+        warn(fmt::format("{}: {}", options.file, text));
     }
     for (std::size_t k = 0; k < outputs.size(); ++k) {
         if (statistics[k].not_finite() > 0) {
@@ -260,7 +259,7 @@ void run(const Options& options, const Context& context) {
     summary["failed_sets"] = failed_sets(simulation.failed_sets());
     summary["lookup_errors"] = lookup_report(simulation.lookup_errors());
     summary["lookup_exits"] = exits_json(simulation.exits());
-    const auto passes = passes_of(*simulation.handle());
+    const PassReport passes = simulation.passes();
     summary["passes"] = passes_json(passes);
     summary["outputs"] = statistics_report(outputs, statistics);
     const std::string text = summary_text(options, scenario, recorded, outputs, statistics) + passes_text(passes);

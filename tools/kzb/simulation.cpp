@@ -120,14 +120,19 @@ std::vector<double> Simulation::currents() const {
     return result;
 }
 
+void Simulation::execute_once(double time) {
+    check(kzbcalcExecute(handle_.get()), "kzbcalcExecute", time);
+    ++executed_;
+}
+
 void Simulation::execute(Sample& sample) {
-    check(kzbcalcExecute(handle_.get()), "kzbcalcExecute", sample.time);
+    execute_once(sample.time);
     while (supply_ && supply_->answer(currents())) {
         for (std::size_t k = 0; k < machine_.phases.size(); ++k) {
             sample.applied[k] = supply_->input(k).voltage;
             feed_phase(k, supply_->input(k).connected, sample);
         }
-        check(kzbcalcExecute(handle_.get()), "kzbcalcExecute", sample.time);
+        execute_once(sample.time);
     }
     if (supply_) {
         supply_->accept(currents());

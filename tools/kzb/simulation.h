@@ -15,6 +15,7 @@
 #include "kzb/lookup_exits.h"
 #include "kzb/machine.h"
 #include "kzb/outputs.h"
+#include "kzb/run_report.h"
 #include "kzb/scenario.h"
 
 namespace kzb::tool {
@@ -45,11 +46,15 @@ class Simulation {
     const std::map<int, std::uint64_t>& lookup_errors() const { return lookup_errors_; }
     // Where lookups left their tables.
     std::vector<AxisExit> exits() const { return exits_ ? exits_->exits() : std::vector<AxisExit>(); }
+    // How the steps were solved.
+    PassReport passes() const { return passes_of(*handle_, executed_); }
     KZB_CALC* handle() const { return handle_.get(); }
 
   protected:
     const Scenario& scenario() const { return scenario_; }
     static void check(int status, const char* call, double time);
+    // One solution of the present sample.
+    void execute_once(double time);
     // From here on lookups count.
     void begin_lookups();
     // After each sample: the error that its lookups left.
@@ -73,6 +78,7 @@ class Simulation {
     std::unique_ptr<Supply> supply_;  // null: the phases follow their sources
     std::vector<FailedSet> failed_sets_;
     std::map<int, std::uint64_t> lookup_errors_;
+    std::uint64_t executed_ = 0;        // calls of kzbcalcExecute
     std::optional<LookupExits> exits_;  // before the handle's store is gone
     bool by_spline_ = false;
 };

@@ -34,16 +34,7 @@ double least_nonzero(const std::vector<double>& grid) {
 // none.
 void KZFEMTableModel::look_up_fluxes(const double* axes, int count) {
     fluxes_.resize(static_cast<std::size_t>(count));
-    if (flux_table_.dim(*store_) == axis_count_ + 1) {
-        flux_table_.plain_components(*store_, method_, axes, axis_count_, count, fluxes_.data());
-        return;
-    }
-    component_point_.assign(axes, axes + axis_count_);
-    component_point_.push_back(0.0);
-    for (int i = 0; i < count; ++i) {
-        component_point_.back() = static_cast<double>(i);
-        fluxes_[static_cast<std::size_t>(i)] = look_up(flux_table_, component_point_);
-    }
+    flux_table_.plain_components(*store_, method_, axes, axis_count_, count, fluxes_.data());
 }
 
 bool KZFEMTableModel::indices_in_order() {

@@ -7,7 +7,7 @@ namespace kzb {
 namespace {
 
 // Order of a three-phase set's coils as the coil of place 0, 1 or 2 sees them.
-constexpr std::array<std::array<int, 3>, 3> coil_order{{{0, 1, 2}, {2, 0, 1}, {1, 2, 0}}};
+constexpr std::array<std::array<std::size_t, 3>, 3> coil_order{{{0, 1, 2}, {2, 0, 1}, {1, 2, 0}}};
 
 }  // namespace
 
@@ -26,9 +26,10 @@ void KZFEMTableModel::evaluate_set_inductances() {
     }
 }
 
-double KZFEMTableModel::pair_inductance(int pair) {
-    point_.back() = static_cast<double>(pair);
-    return look_up(inductance_table_, point_);
+// The axes are searched once for all pairs of a row.
+void KZFEMTableModel::look_up_pairs(int first, int count) {
+    pairs_.resize(static_cast<std::size_t>(count));
+    inductance_table_.plain_components(*store_, method_, point_.data(), axis_count_, {count, first}, pairs_.data());
 }
 
 // Each coil reads the table at the position shifted by its own phase.
@@ -40,22 +41,22 @@ void KZFEMTableModel::set_three_phase_inductances(const KZFEMCoilSet& set, int p
     const int total = static_cast<int>(coil_ids_.size());
     for (int c = 0; c < 3; ++c) {
         const KZFEMCoilSet::Entry& entry = set.coils[static_cast<std::size_t>(c)];
-        const std::array<int, 3>& order = coil_order[static_cast<std::size_t>(c)];
+        const std::array<std::size_t, 3>& order = coil_order[static_cast<std::size_t>(c)];
         int column = 0;
         int x = c + offset;
         for (const auto& other : coil_sets_) {
             if (other->kind == set_three_phases) {
                 axis = position + entry.phase_diff / 360 * period;
-                for (int q = 0; q < 3; ++q) {
-                    const int pair = place * total + order[static_cast<std::size_t>(q)] + column;
-                    entry.coil().set_inductance(coil_ids_[static_cast<std::size_t>(column + q)], pair_inductance(pair));
+                look_up_pairs(place * total + column, 3);
+                for (std::size_t q = 0; q < 3; ++q) {
+                    entry.coil().set_inductance(coil_ids_[static_cast<std::size_t>(column) + q], pairs_[order[q]]);
                 }
             } else {
                 axis = position;
-                const double value = pair_inductance(x);
+                look_up_pairs(x, 1);
                 // A last set without coils has no column.
                 if (column < total) {
-                    entry.coil().set_inductance(coil_ids_[static_cast<std::size_t>(column)], value);
+                    entry.coil().set_inductance(coil_ids_[static_cast<std::size_t>(column)], pairs_.front());
                 }
             }
             column += static_cast<int>(other->coils.size());
@@ -68,8 +69,9 @@ void KZFEMTableModel::set_three_phase_inductances(const KZFEMCoilSet& set, int p
 void KZFEMTableModel::set_other_inductances(const KZFEMCoilSet& set, int place) {
     const int total = static_cast<int>(coil_ids_.size());
     for (const KZFEMCoilSet::Entry& entry : set.coils) {
-        for (int q = 0; q < total; ++q) {
-            entry.coil().set_inductance(coil_ids_[static_cast<std::size_t>(q)], pair_inductance(place * total + q));
+        look_up_pairs(place * total, total);
+        for (std::size_t q = 0; q < pairs_.size(); ++q) {
+            entry.coil().set_inductance(coil_ids_[q], pairs_[q]);
         }
     }
 }

@@ -109,7 +109,8 @@ class KZFEMTableModel {
     void evaluate_set_inductances();
     void set_three_phase_inductances(const KZFEMCoilSet& set, int place, int offset);
     void set_other_inductances(const KZFEMCoilSet& set, int place);
-    double pair_inductance(int pair);
+    // `pairs_`: of the pairs first, first + 1 .. at the axes of `point_`.
+    void look_up_pairs(int first, int count);
 
     KZB_STORE* store_ = nullptr;
     const KZCircuitForGeneric* circuit_ = nullptr;
@@ -147,11 +148,11 @@ class KZFEMTableModel {
     TableRef iron_loss_table_;
 
     // Kept from pass to pass for their memory.
-    std::vector<double> point_;            // axes and the coil index
-    std::vector<double> component_point_;  // likewise, of a table without the index
-    std::vector<double> clamped_;          // base of the differences
-    std::vector<double> fluxes_;           // of one point
-    std::vector<double> base_flux_;        // by coil index
+    std::vector<double> point_;      // axes and the coil index
+    std::vector<double> clamped_;    // base of the differences
+    std::vector<double> fluxes_;     // of one point
+    std::vector<double> base_flux_;  // by coil index
+    std::vector<double> pairs_;      // inductances of one point
 };
 
 }  // namespace kzb

@@ -9,6 +9,7 @@ namespace kzb {
 namespace {
 
 constexpr const char* table_key = "table";
+constexpr std::size_t most_set_coils = 2000;
 
 TableRef table_of(const char* path, int place = 0) {
     return {record_name(path, 0, place), table_key};
@@ -115,6 +116,11 @@ void KZFEMTableModel::read_coil_set_form(std::vector<std::string>& faults) {
         for (const KZFEMCoilSet::Entry& entry : set->coils) {
             coil_ids_.push_back(entry.coil().id);
         }
+    }
+    // Every pass looks up each pair; a coil counts once for each time that a set names its group.
+    if (coil_ids_.size() > most_set_coils) {
+        faults.push_back("coil sets: " + std::to_string(coil_ids_.size()) + " coils, expected at most " +
+                         std::to_string(most_set_coils) + " together");
     }
 }
 

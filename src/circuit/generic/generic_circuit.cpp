@@ -168,8 +168,7 @@ void KZCircuitForGeneric::set_source_type(int terminal_id, bool is_current) {
 }
 
 bool KZCircuitForGeneric::is_current_source(int terminal_id) const {
-    const auto terminal = terminals_.find(terminal_id);
-    return terminal && terminal->type == terminal_current_source;
+    return terminals_.has_type(terminal_id, terminal_current_source);
 }
 
 void KZCircuitForGeneric::set_switches(const std::vector<double>& switches) {

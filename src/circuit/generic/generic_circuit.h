@@ -47,6 +47,8 @@ struct KZElementTypeList {
 struct KZTerminalList {
     void read(const KZB_STORE& store);
     boost::shared_ptr<KZCircuitTerminal> find(int id) const;
+    // False where there is no terminal of that id. Shares nothing and so writes no count.
+    bool has_type(int id, int type) const;
 
     std::vector<boost::shared_ptr<KZCircuitTerminal>> all;
     std::vector<int> sources;  // positions in the file, from 0

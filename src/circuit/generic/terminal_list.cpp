@@ -45,4 +45,9 @@ boost::shared_ptr<KZCircuitTerminal> KZTerminalList::find(int id) const {
     return place < 0 ? nullptr : all[static_cast<std::size_t>(place)];
 }
 
+bool KZTerminalList::has_type(int id, int type) const {
+    const std::ptrdiff_t place = by_id_.find(id);
+    return place >= 0 && all[static_cast<std::size_t>(place)]->type == type;
+}
+
 }  // namespace kzb

@@ -90,8 +90,8 @@ void put_category(FileSink& sink, const KZB_CATEGORY& category) {
 
 }  // namespace
 
-bool write_ascii(const KZB_STORE& store, const std::string& path) {
-    FileSink sink(path);
+bool write_ascii(const KZB_STORE& store, const std::string& path, Writing writing) {
+    FileSink sink(path, writing);
     if (!sink.is_open()) {
         return false;
     }

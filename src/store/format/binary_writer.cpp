@@ -79,8 +79,8 @@ void put_category(FileSink& sink, const KZB_CATEGORY& category) {
 
 }  // namespace
 
-bool write_binary(const KZB_STORE& store, const std::string& path) {
-    FileSink sink(path);
+bool write_binary(const KZB_STORE& store, const std::string& path, Writing writing) {
+    FileSink sink(path, writing);
     if (!sink.is_open()) {
         return false;
     }

@@ -54,7 +54,11 @@ std::int64_t value_count(int dim, const int* sizes) {
 void put_off_body(KZB_TABLE& table, std::int64_t file_position) {
     std::perror("memory allocation error");
     const int rows[1] = {1};
-    table_create(table, 1, rows);
+    try {
+        table_create(table, 1, rows);
+    } catch (const std::bad_alloc&) {
+        table_free(table);  // not even that: a later try makes it anew
+    }
     table.file_position = file_position;
 }
 

@@ -4,20 +4,93 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 namespace kzb {
+namespace {
 
-FileSink::FileSink(const std::string& path) {
+// A folder, or a file system, that takes no new file although an old one may be written.
+bool folder_refuses(int cause) {
+    return cause == EACCES || cause == EPERM || cause == EROFS || cause == ENAMETOOLONG;
+}
+
+bool same_file(const std::string& path, const struct stat& file) {
+    struct stat found {};
+    return stat(path.c_str(), &found) == 0 && found.st_dev == file.st_dev && found.st_ino == file.st_ino;
+}
+
+// As the old file was, as far as the process may: only few may give a file to another owner.
+bool keep_owner_and_mode(int descriptor, const struct stat& old) {
+    const bool own = old.st_uid == geteuid() && old.st_gid == getegid();
+    if (!own && fchown(descriptor, old.st_uid, old.st_gid) != 0) {
+        [[maybe_unused]] const int group = fchown(descriptor, static_cast<uid_t>(-1), old.st_gid);
+    }
+    return fchmod(descriptor, old.st_mode & 0777) == 0;
+}
+
+// Some file systems know no synchronisation: nothing to wait for then.
+bool on_disk(int descriptor) {
+    return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+}  // namespace
+
+FileSink::FileSink(const std::string& path, Writing writing) {
     buffer_.reserve(buffer_size);  // first: without memory the file stays as it is
-    // Not blocking while it opens: a pipe that nobody reads counts as a file that cannot be opened.
-    descriptor_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
-    if (descriptor_ >= 0) {
-        fcntl(descriptor_, F_SETFL, fcntl(descriptor_, F_GETFL) & ~O_NONBLOCK);
+    try {
+        open(path, writing);
+    } catch (...) {
+        drop();
+        throw;
     }
 }
 
 FileSink::~FileSink() {
-    close();
+    drop();
+}
+
+void FileSink::open(const std::string& path, Writing writing) {
+    // Not blocking while it opens: a pipe that nobody reads counts as a file that cannot be opened.
+    constexpr int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+    descriptor_ = ::open(path.c_str(), flags);
+    if (descriptor_ < 0) {
+        if (errno == ENOENT && writing == Writing::beside) {
+            open_beside(path);
+        } else if (errno == ENOENT) {
+            descriptor_ = ::open(path.c_str(), flags | O_CREAT, 0666);
+        }
+        return;
+    }
+    fcntl(descriptor_, F_SETFL, fcntl(descriptor_, F_GETFL) & ~O_NONBLOCK);
+    if (fstat(descriptor_, &old_) != 0 || !S_ISREG(old_.st_mode)) {
+        return;
+    }
+    replaces_ = true;
+    if (writing == Writing::beside && open_beside(path)) {
+        return;
+    }
+    if (ftruncate(descriptor_, 0) != 0) {
+        drop();
+    }
+}
+
+// True when the question is settled: the file stands open beside its place, or nothing may be written.
+bool FileSink::open_beside(const std::string& path) {
+    place_ = behind_links(path);
+    if (replaces_ && !same_file(place_, old_)) {
+        return false;
+    }
+    const int beside = create_beside(place_, replaces_ ? 0600 : 0666, temporary_);
+    const int cause = errno;
+    if (beside < 0 && replaces_ && folder_refuses(cause)) {
+        return false;
+    }
+    if (descriptor_ >= 0) {
+        ::close(descriptor_);
+    }
+    descriptor_ = beside;
+    errno = cause;
+    return true;
 }
 
 void FileSink::put(std::string_view bytes) {
@@ -38,19 +111,60 @@ bool FileSink::close() {
     }
     write(buffer_);
     buffer_.clear();
-    whole_ = ::close(descriptor_) == 0 && whole_;
-    descriptor_ = -1;
-    return whole_;
+    if (!temporary_.empty()) {
+        put_in_place();
+    } else {
+        note(::close(descriptor_) == 0);
+        descriptor_ = -1;
+    }
+    errno = cause_;
+    return cause_ == 0;
 }
 
 void FileSink::write(std::string_view bytes) {
-    while (whole_ && !bytes.empty()) {
+    while (cause_ == 0 && !bytes.empty()) {
         const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) {
             continue;
         }
-        whole_ = written > 0;
-        bytes.remove_prefix(whole_ ? static_cast<std::size_t>(written) : 0);
+        if (written == 0) {
+            errno = ENOSPC;
+        }
+        note(written > 0);
+        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+    }
+}
+
+// The old file goes only for one that is safely on the disk.
+void FileSink::put_in_place() {
+    if (replaces_ && cause_ == 0) {
+        note(keep_owner_and_mode(descriptor_, old_) && on_disk(descriptor_));
+    }
+    note(::close(descriptor_) == 0);
+    descriptor_ = -1;
+    note(cause_ == 0 && std::rename(temporary_.c_str(), place_.c_str()) == 0);
+    if (cause_ == 0) {
+        temporary_.clear();
+    }
+    drop();
+}
+
+void FileSink::drop() {
+    const int cause = errno;
+    if (descriptor_ >= 0) {
+        ::close(descriptor_);
+        descriptor_ = -1;
+    }
+    if (!temporary_.empty()) {
+        unlink(temporary_.c_str());
+        temporary_.clear();
+    }
+    errno = cause;
+}
+
+void FileSink::note(bool done) {
+    if (!done && cause_ == 0) {
+        cause_ = errno == 0 ? EIO : errno;
     }
 }
 

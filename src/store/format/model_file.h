@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "store/format/file_place.h"
+
 struct KZB_STORE;
 
 namespace kzb {
@@ -19,8 +21,9 @@ void read_tables(KZB_STORE& store);
 // Writes to output_path in the form of output_type; nothing where output_type is neither word. Silent on failure.
 void write_model_file(const KZB_STORE& store);
 
-// The writers of the two forms; false when the file could not be written whole.
-bool write_binary(const KZB_STORE& store, const std::string& path);
-bool write_ascii(const KZB_STORE& store, const std::string& path);
+// The writers of the two forms. False when the file could not be written whole, errno tells why; what stood there
+// before is then left as it was.
+bool write_binary(const KZB_STORE& store, const std::string& path, Writing writing = Writing::beside);
+bool write_ascii(const KZB_STORE& store, const std::string& path, Writing writing = Writing::beside);
 
 }  // namespace kzb

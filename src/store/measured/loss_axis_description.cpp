@@ -172,27 +172,29 @@ void LossAxisDescriptions::apply_flags(KZB_TABLE& table) const {
     }
 }
 
-void LossAxisDescriptions::put(KZB_STORE& store) const {
+IntEdits LossAxisDescriptions::edits(const KZB_STORE& store) const {
+    IntEdits edits;
     int inputs = entry_count(store, input_path);
     for (std::size_t n = 0; n < axes_.size(); ++n) {
         const LossAxis& axis = axes_[n];
         const int axis_no = axis.index + 1;
         const int indices[3] = {0, 0, static_cast<int>(n)};
         const std::string category = subcategory_name(axis_path, indices);
-        put_int(store, category, "axis_no", axis_no);
-        put_int(store, category, "reference_id", axis.reference_id);
-        put_int(store, category, "reference_type", axis.reference_type);
-        put_int(store, category, "physical_type", axis.physical_type);
+        edits.add(category, "axis_no", axis_no);
+        edits.add(category, "reference_id", axis.reference_id);
+        edits.add(category, "reference_type", axis.reference_type);
+        edits.add(category, "physical_type", axis.physical_type);
         if (axis.physical_type != of_input) {
             continue;
         }
         const std::string input = entry_name(input_path, inputs);
         // Where the numbers of the ports have gaps, the one of that number is there already and the count stays.
         const bool present = has_category(store, input);
-        put_int(store, input, "id", inputs + 1);
-        put_int(store, input, "loss_axis_no", axis_no);
+        edits.add(input, "id", inputs + 1);
+        edits.add(input, "loss_axis_no", axis_no);
         inputs += present ? 0 : 1;
     }
+    return edits;
 }
 
 }  // namespace kzb

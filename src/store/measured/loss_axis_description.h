@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "store/int_edits.h"
 #include "store/store.h"
 
 namespace kzb {
@@ -33,7 +34,7 @@ class LossAxisDescriptions {
     // Sets the cyclic flags of the table.
     void apply_flags(KZB_TABLE& table) const;
     // Puts the axes, and the input ports that they need, into the store.
-    void put(KZB_STORE& store) const;
+    IntEdits edits(const KZB_STORE& store) const;
 
   private:
     struct Entry {

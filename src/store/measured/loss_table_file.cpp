@@ -125,11 +125,12 @@ int fill(TextLines& lines, bool has_descriptions, const LossGrid& grid, KZB_TABL
         });
 }
 
-// Puts the table in the place of the one that has its name, or behind the others.
-void place(KZB_STORE& store, const Target& target, KZB_TABLE&& table) {
-    KZB_TABLE& record = require_category(store, target.category)->tables.require(target.key);
+// Puts the table in the place of the one that has its name, or behind the others, and what is said of its axes before
+// it. Throws bad_alloc with the store as it was.
+void place(KZB_STORE& store, const Target& target, KZB_TABLE&& table, const IntEdits& descriptions) {
     table.keyword = target.key;
-    record = std::move(table);
+    descriptions.apply(store, [&] { require_category(store, target.category)->tables.require(target.key); });
+    *find_table(store, target.category, target.key) = std::move(table);
     ++store.revision;
 }
 
@@ -147,7 +148,7 @@ int add_table(KZB_STORE& store, const char* path, const Target& target) {
     grid.sort();
     KZB_TABLE table;
     if (!create_on(grid, axes, table)) {
-        return illegal_format;  // more points than a table counts, or no memory for them
+        return illegal_format;  // more points than a table counts
     }
     if (target.described) {
         descriptions.apply_flags(table);
@@ -157,8 +158,7 @@ int add_table(KZB_STORE& store, const char* path, const Target& target) {
     if (const int error = fill(lines, target.described, grid, table)) {
         return error;
     }
-    descriptions.put(store);
-    place(store, target, std::move(table));
+    place(store, target, std::move(table), descriptions.edits(store));
     return 0;
 }
 

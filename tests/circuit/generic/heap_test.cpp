@@ -64,5 +64,13 @@ TEST(GenericHeap, steps_take_nothing_from_the_heap) {
     }
 }
 
+// Four and five coils: tables of six and seven axes.
+TEST(GenericHeap, steps_over_six_and_seven_axes_take_nothing_from_the_heap) {
+    for (const char* const method : {"Linear", "Cubic", "Spline4", "Spline6", "Spline"}) {
+        expect_no_allocations(true, 4, true, method);
+    }
+    expect_no_allocations(true, 5, true, "Linear");
+}
+
 }  // namespace
 }  // namespace kzb_test
