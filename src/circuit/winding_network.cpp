@@ -65,9 +65,16 @@ void WindingNetwork::build(int pattern_number, double r, double r2) {
         terminals.clear();
         return;
     }
+    try {
+        renew(terminals, shape->terminal_count);
+        renew(elements, shape->element_count);
+    } catch (...) {  // half a network isn't one that can be solved
+        elements.clear();
+        terminals.clear();
+        port_count = 0;
+        throw;
+    }
     port_count = shape->port_count;
-    renew(terminals, shape->terminal_count);
-    renew(elements, shape->element_count);
     for (int t = 0; t < shape->terminal_count; ++t) {
         KZterminal& terminal = *terminals[static_cast<std::size_t>(t)];
         terminal.id = t + 1;

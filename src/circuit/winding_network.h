@@ -39,7 +39,7 @@ class WindingNetwork {
 
     // Makes the network of `pattern`, 0 to 14, every winding with resistance `r`, the field winding of patterns 13 and
     // 14 with `r2`. Any other pattern empties the network and leaves `port_count`. Building a pattern anew allocates
-    // nothing.
+    // nothing. Throws bad_alloc with an empty network without ports.
     void build(int pattern_number, double r, double r2);
 
     // Resistance of the first element with this coil index; 0.0 where there is none.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "diagnostics/log_format.h"
+#include "diagnostics/own_file.h"
 
 namespace kzb {
 namespace {
@@ -49,7 +50,7 @@ constexpr const char* level_names[] = {"Debug", "Message", "Warning", "Error"};
 constexpr const char* format_version = "0.3";
 
 std::unique_ptr<std::FILE, CloseFile> open_file(const std::string& path, const char* mode) {
-    return std::unique_ptr<std::FILE, CloseFile>(std::fopen(path.c_str(), mode));
+    return std::unique_ptr<std::FILE, CloseFile>(open_own_file(path.c_str(), mode));
 }
 
 void write_tag(std::FILE* out, const char* tag, const std::string& text) {

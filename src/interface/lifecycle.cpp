@@ -53,6 +53,8 @@ bool open_circuit(KZB_CALC& handle, Calc_Eq_generic& model) {
     return true;
 }
 
+constexpr int tables_not_readable = 90001;  // the file went away, or the system refuses to read on
+
 int initialize(KZB_CALC& handle, const char* path, int calc_mode) {
     KZB_STORE* store = nullptr;
     kzb_initialize(&store);
@@ -71,6 +73,9 @@ int initialize(KZB_CALC& handle, const char* path, int calc_mode) {
         return status_calc_mode;
     }
     select_application(*store, *handle.type);
+    if (store->error == tables_not_readable) {
+        return status_file;
+    }
     size_ports(handle);
     ControlRecord record;
     record.read(*store);

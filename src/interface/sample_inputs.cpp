@@ -142,7 +142,7 @@ void accept(Model& model) {
 }  // namespace
 
 int kzbcalcSetData(KZB_CALC* handle) {
-    return guarded(0, [&] {
+    return guarded(status_not_applicable, [&] {
         return with_tables<every_type>(handle, status_not_applicable, [=](auto& model) { bind(*handle, model); });
     });
 }

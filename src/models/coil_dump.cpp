@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "diagnostics/own_file.h"
+
 namespace kzb {
 namespace {
 
@@ -72,7 +74,7 @@ void CoilDump::phase_currents(const char* label, const std::vector<double>& curr
 
 void CoilDump::append_to(const char* file_name) {
     text_ += '\n';
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(file_name, "a"), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(open_own_file(file_name, "a"), std::fclose);
     if (file) {
         std::fwrite(text_.data(), 1, text_.size(), file.get());
     }

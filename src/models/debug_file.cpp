@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "diagnostics/number_text.h"
+#include "diagnostics/own_file.h"
 
 namespace kzb {
 
@@ -12,7 +13,7 @@ int debug_output_level() {
 }
 
 void DebugFile::create(const char* name, std::string_view header) {
-    file_.reset(std::fopen(name, "w"));
+    file_.reset(open_own_file(name, "w"));
     write(header);
 }
 

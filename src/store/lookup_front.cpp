@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "diagnostics/number_text.h"
+#include "diagnostics/own_file.h"
 #include "store/lookup_watch.h"
 #include "table/stopwatch.h"
 
@@ -70,7 +71,7 @@ void append_debug_line(const LookupNames& names, const double* coordinates, int 
     }
     append_scientific(line, result, 20, 10);
     line += '\n';
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen("KZBFileHandlerDebug.txt", "a"), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(open_own_file("KZBFileHandlerDebug.txt", "a"), std::fclose);
     if (file) {
         std::fputs(line.c_str(), file.get());
     }

@@ -1,7 +1,7 @@
 #include "store/subcategory.h"
 
-#include <boost/algorithm/string.hpp>
-#include <boost/lexical_cast.hpp>
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
 namespace kzb {
@@ -11,17 +11,22 @@ namespace {
 constexpr const char* separators = ";,:";
 
 // Path elements; a separator at an end or doubled makes no element, since no index belongs to it.
-std::vector<std::string> elements_of(const char* path) {
-    std::vector<std::string> elements;
-    boost::algorithm::split(elements, path, boost::algorithm::is_any_of(separators));
-    std::erase(elements, std::string());
+std::vector<std::string_view> elements_of(std::string_view path) {
+    std::vector<std::string_view> elements;
+    while (!path.empty()) {
+        const std::size_t end = std::min(path.find_first_of(separators), path.size());
+        if (end > 0) {
+            elements.push_back(path.substr(0, end));
+        }
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
     return elements;
 }
 
-std::string join(const std::vector<std::string>& elements, std::size_t count, const int* indices) {
+std::string join(const std::vector<std::string_view>& elements, std::size_t count, const int* indices) {
     std::string name;
     for (std::size_t i = 0; i < count; ++i) {
-        name += elements[i] + ';' + boost::lexical_cast<std::string>(indices[i]) + ';';
+        name.append(elements[i]).append(";").append(std::to_string(indices[i])).append(";");
     }
     return name;
 }
@@ -45,7 +50,7 @@ std::string subcategory_name(const char* path, const int* indices) {
     if (path == nullptr || indices == nullptr) {
         return {};
     }
-    const std::vector<std::string> elements = elements_of(path);
+    const std::vector<std::string_view> elements = elements_of(path);
     return join(elements, elements.size(), indices);
 }
 
@@ -53,11 +58,11 @@ std::set<std::string> subcategory_indices(const KZB_STORE& store, const char* pa
     if (path == nullptr) {
         return {};
     }
-    const std::vector<std::string> elements = elements_of(path);
+    const std::vector<std::string_view> elements = elements_of(path);
     if (elements.empty() || (indices == nullptr && elements.size() > 1)) {
         return {};
     }
-    return pieces_behind(store, join(elements, elements.size() - 1, indices) + elements.back() + ';');
+    return pieces_behind(store, join(elements, elements.size() - 1, indices).append(elements.back()).append(";"));
 }
 
 std::set<std::string> child_subcategories(const KZB_STORE& store, const char* path, const int* indices) {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "diagnostics/number_text.h"
+#include "diagnostics/own_file.h"
 
 namespace kzb {
 
@@ -41,7 +42,7 @@ void append_time_report(KZB_STORE& store) {
     append_scheme(text, "# Spline(n) interpolation core function call and elapsed time = ", timing[slot_spline_calls],
                   timing[slot_spline_core], timing[slot_spline_elapsed]);
     append_seconds(text, "# Spline(n) interpolation check overhead = ", timing[slot_spline_gather]);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen("KZBtime.txt", "a"), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(open_own_file("KZBtime.txt", "a"), std::fclose);
     if (file) {
         std::fputs(text.c_str(), file.get());
     }

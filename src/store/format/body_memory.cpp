@@ -51,8 +51,7 @@ std::int64_t value_count(int dim, const int* sizes) {
 
 }  // namespace
 
-void put_off_body(KZB_TABLE& table, std::int64_t file_position) {
-    std::perror("memory allocation error");
+void make_placeholder(KZB_TABLE& table, std::int64_t file_position) {
     const int rows[1] = {1};
     try {
         table_create(table, 1, rows);
@@ -60,6 +59,11 @@ void put_off_body(KZB_TABLE& table, std::int64_t file_position) {
         table_free(table);  // not even that: a later try makes it anew
     }
     table.file_position = file_position;
+}
+
+void put_off_body(KZB_TABLE& table, std::int64_t file_position) {
+    std::perror("memory allocation error");
+    make_placeholder(table, file_position);
 }
 
 bool BodyMemory::shape(KZB_TABLE& table, int dim, const int* sizes, std::int64_t backed) {

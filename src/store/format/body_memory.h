@@ -11,8 +11,9 @@
 
 namespace kzb {
 
-// Makes the table a placeholder again whose body lies at `file_position`, for a later try, and tells that memory ran
-// out.
+// Makes the table a placeholder again whose body lies at `file_position`, for a later try.
+void make_placeholder(KZB_TABLE& table, std::int64_t file_position);
+// The same, and tells that memory ran out.
 void put_off_body(KZB_TABLE& table, std::int64_t file_position);
 
 class BodyMemory {

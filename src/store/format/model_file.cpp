@@ -34,8 +34,14 @@ bool has_form_mark(FileSource& source) {
     return source.peek(form_mark.size()) == form_mark;
 }
 
+// What the system refuses to read is no file of any form.
+bool is_readable(FileSource& source) {
+    source.peek(1);
+    return source.is_open() && !source.failed();
+}
+
 int read_form(KZB_STORE& store, FileSource& source) {
-    if (!source.is_open()) {
+    if (!is_readable(source)) {
         store.error = 90001;
         return 1;
     }
@@ -82,6 +88,9 @@ int read_model_file(KZB_STORE& store, const char* path) {
     int result = 1;
     try {
         result = read_form(store, source);
+        if (source.failed()) {
+            result = 1;
+        }
     } catch (const std::bad_alloc&) {
         // What was read stays, and the steps behind reading run.
     }
@@ -95,7 +104,7 @@ int read_model_file(KZB_STORE& store, const char* path) {
 
 void read_tables(KZB_STORE& store) {
     FileSource source(store.input_path.c_str());
-    if (!source.is_open()) {
+    if (!is_readable(source)) {
         store.error = 90001;
         print_reading_error();
         return;
@@ -117,12 +126,21 @@ void read_tables(KZB_STORE& store) {
             if (table.loaded == 1 || table.file_position == 0) {
                 continue;
             }
+            const std::int64_t position = table.file_position;
             const bool sound =
                 ascii ? load_ascii_table(table, source, memory) : load_binary_table(table, source, memory);
+            if (source.failed()) {  // the system refuses to read on: for a later call
+                make_placeholder(table, position);
+                break;
+            }
             if (ascii && !sound) {  // kept: a fault of this form ends the stage for its category
                 break;
             }
         }
+    }
+    if (source.failed()) {
+        store.error = 90001;
+        report_reading_error();
     }
     ++store.revision;
 }

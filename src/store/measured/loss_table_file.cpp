@@ -58,7 +58,7 @@ int walk(TextLines& lines, bool has_descriptions, Described&& described, Point&&
             return error;
         }
     }
-    return 0;
+    return lines.failed() ? not_opened : 0;
 }
 
 // Pass one.

@@ -41,6 +41,8 @@ class TextLines {
     const std::string& line() const { return line_; }
     // As `line`, without its line feed and a comma that stands just before it.
     std::string_view fields() const;
+    // True once the system refused to read.
+    bool failed() const { return source_.failed(); }
     // True once reading ran against the end of the file.
     bool ended() const { return ended_; }
     void rewind();
