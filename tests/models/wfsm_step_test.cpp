@@ -273,7 +273,7 @@ TEST(wfsm_step, passes_of_solved_steps_are_counted) {
         return m.model.pass_counts();
     };
     // A linear machine: solved by the first pass, which the second finds.
-    PassCounts found = counts_with("0.001", "200", 100.0);
+    kzb::PassCounts found = counts_with("0.001", "200", 100.0);
     EXPECT_EQ(found.solved_steps, 1);
     EXPECT_EQ(found.passes, 2);
     EXPECT_EQ(found.most_passes, 2);
