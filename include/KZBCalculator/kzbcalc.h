@@ -108,9 +108,9 @@ KZB_API int kzbcalcGetNumberOfPhases(KZB_CALC* handle);
  * resistance, losses, accuracy) and before the first sample.
  *
  * @param[in]  handle  calculator; null gives 180039.
- * @return     0, or 180039 for a null handle.
+ * @return     0, or 180039.
  *
- * Errors:  none: what the file lacks counts as 0.
+ * Errors:  180039 a null handle, or no memory: call it again before the first sample. What the file lacks counts as 0.
  * Threads: one handle per thread; handles are independent.
  * Cost:    reads tables from the file; allocates.
  */

@@ -51,10 +51,11 @@ int create_beside(const std::string& place, mode_t mode, std::string& name) {
         append_integer(candidate, getpid(), 0);
         candidate += '-';
         append_integer(candidate, std::chrono::steady_clock::now().time_since_epoch().count(), 0);
-        name.reserve(candidate.size());
         const int descriptor = open(candidate.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY, mode);
         if (descriptor >= 0 || errno != EEXIST) {
-            name = descriptor >= 0 ? candidate : std::string();
+            if (descriptor >= 0) {
+                name.swap(candidate);  // takes no memory, which would leave a file that nobody knows of
+            }
             return descriptor;
         }
     }

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstdio>
 
+#include "diagnostics/own_file.h"
+
 namespace kzb {
 namespace {
 
@@ -39,6 +41,7 @@ FileSink::FileSink(const std::string& path, Writing writing) {
     buffer_.reserve(buffer_size);  // first: without memory the file stays as it is
     try {
         open(path, writing);
+        descriptor_ = above_standard_streams(descriptor_);
     } catch (...) {
         drop();
         throw;
