@@ -1,4 +1,6 @@
 // KZFEMTableModel: force, user-specified outputs, iron loss.
+#include <cstdint>
+
 #include "circuit/generic/fem_table_model.h"
 
 namespace kzb {
@@ -12,7 +14,7 @@ enum PhysicalType { physical_amplitude = 1, physical_phase = 2, physical_speed =
 double KZFEMTableModel::force(const KZForceTable& table) {
     point_ = axes_;
     if (force_rows_ > 1) {
-        point_.push_back(static_cast<double>(table.forcetable_id - 1));
+        point_.push_back(table.forcetable_id - 1.0);
     }
     const double value = look_up(force_table_, point_);
     if (!table_axes_form_) {
@@ -25,7 +27,7 @@ double KZFEMTableModel::force(const KZForceTable& table) {
 double KZFEMTableModel::output(const KZUserSpecifiedParam& param) {
     const bool second = !single_output_table_ && param.resolution == 1;
     const int limit = second ? output2_rows_ : output_rows_;
-    const int row = single_output_table_ ? param.table_id - 1 : param.row;
+    const std::int64_t row = single_output_table_ ? std::int64_t{param.table_id} - 1 : param.row;
     // One past the last row is let through, as established.
     if (row < 0 || row > limit) {
         return 0.0;
