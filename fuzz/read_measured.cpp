@@ -1,12 +1,11 @@
 // Reads the input, first byte apart, as measured data: by that byte a correction file (twice, so that tables merge), or
 // a loss table file of a permanent-magnet machine or of a generic model. Looks the tables up and saves the store.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdint>
 #include <string>
 
 #include "KZBCalculator/kzb_store.h"
+#include "scratch_file.h"
+#include "silence.h"
 
 namespace {
 
@@ -43,18 +42,20 @@ void look_up_all(const char* category, KZB_STORE* store) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const int file = memfd_create("measured", MFD_CLOEXEC);
-    static const std::string path = "/proc/self/fd/" + std::to_string(file);
-    if (size == 0 || ftruncate(file, 0) != 0 || pwrite(file, data + 1, size - 1, 0) != static_cast<ssize_t>(size - 1)) {
+    kzb_fuzz::silence();
+    static const kzb_fuzz::ScratchPath file("measured");
+    if (size == 0) {
         return 0;
     }
+    const char* const path = file.path();
+    kzb_fuzz::hold(file.name(), kzb_fuzz::text_of(data + 1, size - 1));
     KZB_STORE* store = machine(data[0] % 3 == 2);
     if (data[0] % 3 == 0) {
-        kzb_read_correction_file(path.c_str(), store);
-        kzb_read_correction_file(path.c_str(), store);
+        kzb_read_correction_file(path, store);
+        kzb_read_correction_file(path, store);
     } else {
-        kzb_add_loss_table(path.c_str(), store);
-        kzb_add_equivalent_copper_loss_resistance_table(path.c_str(), store);
+        kzb_add_loss_table(path, store);
+        kzb_add_equivalent_copper_loss_resistance_table(path, store);
     }
     for (const char* category : {"correction", "loss_table", "equivalent_resistance_table", "ironloss"}) {
         look_up_all(category, store);

@@ -1,29 +1,16 @@
 // Reads the input as a model file, once more as ascii where it has no head, loads all bodies, looks every table up in
 // the middle of its axes, expands and skews.
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
+#include "scratch_file.h"
+#include "silence.h"
 
 namespace {
-
-// Neither perror nor printf of a million broken files is of interest.
-void silence() {
-    static const bool done = [] {
-        const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        dup2(null, 1);
-        return std::freopen("/dev/null", "w", stdout) != nullptr;
-    }();
-    (void)done;
-}
 
 void look_up_all(KZB_STORE* store) {
     for (int c = 0; c < kzb_get_category_num(store); ++c) {
@@ -48,10 +35,10 @@ void look_up_all(KZB_STORE* store) {
     }
 }
 
-void use_model(const std::string& path) {
+void use_model(const char* path) {
     KZB_STORE* store = nullptr;
     kzb_initialize(&store);
-    kzb_reader(path.c_str(), store);
+    kzb_reader(path, store);
     kzb_set_application("ALL", "", store);
     look_up_all(store);
     kzb_expand_table_considering_phase_symmetry(store);
@@ -63,17 +50,14 @@ void use_model(const std::string& path) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    silence();
-    static const int file = memfd_create("model", MFD_CLOEXEC);
-    static const std::string path = "/proc/self/fd/" + std::to_string(file);
-    if (ftruncate(file, 0) != 0 || pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) {
-        return 0;
-    }
-    use_model(path);
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    kzb_fuzz::silence();
+    static const kzb_fuzz::ScratchPath file("model");
+    const std::string_view text = kzb_fuzz::text_of(data, size);
+    kzb_fuzz::hold(file.name(), text);
+    use_model(file.path());
     if (!text.starts_with("$DORN-KZ")) {
         setenv("KZB_READING_ASCII", "1", 1);
-        use_model(path);
+        use_model(file.path());
         unsetenv("KZB_READING_ASCII");
     }
     return 0;

@@ -1,13 +1,46 @@
 #!/bin/sh
-# Builds the fuzz targets with clang and libFuzzer and runs each for the seconds given. New inputs stay in build/.
+# Runs the fuzz targets, each for some seconds: fuzz/run.sh [SECONDS [TARGET...]]
+#
+# New inputs gather in build/fuzz/corpus_TARGET, from where the next run goes on; an input that fails is left in
+# build/fuzz as TARGET-crash-*, TARGET-timeout-* and the like. FUZZ_BUILD names another build folder. Without clang and its
+# libFuzzer the targets replay their seeds.
 set -eu
 seconds=${1:-60}
+[ $# -eq 0 ] || shift
 cd "$(dirname "$0")/.."
-cmake --preset fuzz
-targets=$(cd fuzz && ls ./*.cpp | sed -n 's/^\.\/\(.*\)\.cpp$/\1/p' | grep -v '^replay_main$')
+targets=${*:-$(cd fuzz && ls -d seeds/*/ | sed 's|seeds/\(.*\)/|\1|')}
+
+libfuzzer_works() {
+    command -v clang++ >/dev/null || return 1
+    echo 'extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }' |
+        clang++ -x c++ -fsanitize=fuzzer,address - -o /dev/null 2>/dev/null
+}
+
+if ! libfuzzer_works; then
+    echo "No clang with libFuzzer here: the targets replay their seeds."
+    cmake --preset release
+    for target in $targets; do
+        cmake --build --preset release --target "fuzz_$target"
+        build/release/fuzz_"$target" "fuzz/seeds/$target"
+    done
+    exit 0
+fi
+
+build=${FUZZ_BUILD:-build/fuzz}
+[ -n "${FUZZ_BUILD:-}" ] || cmake --preset fuzz
+# Short stacks of allocations and a small quarantine: half the time of an execution went there.
+export ASAN_OPTIONS="malloc_context_size=4:quarantine_size_mb=16:${ASAN_OPTIONS:-}"
 for target in $targets; do
-    cmake --build --preset fuzz --target "fuzz_$target"
-    mkdir -p "build/fuzz/corpus_$target"
-    "build/fuzz/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 -close_fd_mask=3 \
-        "build/fuzz/corpus_$target" "fuzz/seeds/$target"
+    cmake --build "$build" --target "fuzz_$target"
+    mkdir -p "$build/corpus_$target"
+    echo "$target, $seconds s"
+    status=0
+    "$build/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 -max_len=4096 -entropic=0 \
+        -close_fd_mask=3 -print_final_stats=1 -artifact_prefix="$build/$target-" \
+        "$build/corpus_$target" "fuzz/seeds/$target" >"$build/$target.log" 2>&1 || status=$?
+    grep -E '^stat::(number_of_executed_units|average_exec_per_sec|slowest|peak)' "$build/$target.log" || true
+    if [ $status -ne 0 ]; then
+        tail -40 "$build/$target.log"
+        exit $status
+    fi
 done

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "step_machine_input.h"
@@ -42,7 +44,7 @@ class GenericModel {
         return b < 0xe0 ? sound : in_.number();
     }
     int coil_count() const { return static_cast<int>(coils_.size()); }
-    int count(const char* path) const { return kzb::record_count(store_, path); }
+    int count(const std::string& path, int outer = 0) { return counts_[{path, outer}]; }
 
     struct Record {
         KZB_STORE& store;
@@ -61,7 +63,7 @@ class GenericModel {
         }
     };
     Record record(const char* path, int outer = 0) {
-        Record made{store_, kzb::record_name(path, outer, kzb::record_count(store_, path, outer))};
+        Record made{store_, kzb::record_name(path, outer, counts_[{path, outer}]++)};
         kzb::require_category(store_, made.category);
         return made;
     }
@@ -281,7 +283,8 @@ class GenericModel {
     Input& in_;
     int sources_ = 0;
     int terminals_ = 0;
-    std::vector<int> coils_;  // ids
+    std::vector<int> coils_;                             // ids
+    std::map<std::pair<std::string, int>, int> counts_;  // of records by list
     int motions_ = 0;
     int axes_ = 0;
 };

@@ -7,6 +7,7 @@
 //
 // Nothing here reports an error: what the file does not have stays 0 or 0.0.
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "models/calc_eq_im.h"
@@ -28,6 +29,10 @@ double first_value(const KZB_STORE& store, const TableRef& table) {
 }  // namespace
 
 void Calc_Eq_im_transient::bind(KZB_STORE& store, int ironloss_flag) {
+    // First, whole: a step on a store needs it, also where memory runs out below.
+    auto network = std::make_unique<WindingNetwork>();
+    network->build(network_pattern, 0.0, 0.0);
+    network_ = std::move(network);
     store_ = &store;
     // Two stores may have the same revision: nothing that another one answered is kept.
     tables_ = ImTables{};
@@ -36,8 +41,6 @@ void Calc_Eq_im_transient::bind(KZB_STORE& store, int ironloss_flag) {
     if (machine_.inductance_type == inductance_constants) {
         make_constant_tables();
     }
-    network_ = std::make_unique<WindingNetwork>();
-    network_->build(network_pattern, 0.0, 0.0);
     read_resistances();
     read_ironloss(ironloss_flag);
     read_control();

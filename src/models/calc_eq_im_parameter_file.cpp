@@ -8,6 +8,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "diagnostics/own_file.h"
+
 namespace kzb {
 namespace {
 
@@ -55,7 +57,7 @@ void read_parameter_file(const char* path, ImResistances& resistances, ImInducta
     if (!std::filesystem::is_regular_file(path, error)) {
         return;
     }
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "r"), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(open_own_file(path, "r"), std::fclose);
     if (!file) {
         return;
     }

@@ -21,6 +21,13 @@ std::size_t place_of(const std::vector<double>& values, int phase) {
 void CoilCircuit::build(int pattern) {
     build_network(pattern, R_base);
     const std::size_t n = network.elements.size();
+    // Memory for all of them first: their lengths change together.
+    for (std::vector<double>* values : {&current, &current_prev, &current_out, &element_resistance}) {
+        values->reserve(n);
+    }
+    initial_set.reserve(n);
+    inductance.reserve(n * n);
+    inductance_prev.reserve(n * n);
     element_count = static_cast<int>(n);
     phase_count = element_count;
     for (std::vector<double>* values : {&current, &current_prev, &current_out, &element_resistance}) {

@@ -71,7 +71,8 @@ void append_debug_line(const LookupNames& names, const double* coordinates, int 
     }
     append_scientific(line, result, 20, 10);
     line += '\n';
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(open_own_file("KZBFileHandlerDebug.txt", "a"), std::fclose);
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(open_own_file("KZBFileHandlerDebug.txt", "a"),
+                                                               std::fclose);
     if (file) {
         std::fputs(line.c_str(), file.get());
     }

@@ -5,9 +5,13 @@
 // period = k ulp + r it is k or k + 1 ulp, by the rounding of r; a tie (r = ulp / 2) picks the even neighbour and is
 // settled after one step, since an even value then follows an even value. n such steps are therefore one exact
 // subtraction, and a coordinate many periods away costs a few steps per binade.
+//
+// Where the period is a whole number of ulps of the first value (90, 360 degrees), no step rounds at all: the result is
+// the exact remainder, and a machine that turns for hours costs no more than one that starts.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "table/axis_search.h"
 #include "table/lookup.h"
@@ -39,9 +43,30 @@ double jump_down(double v, double period, double limit) {
     return count >= 1.0 && std::isfinite(count) ? settled - count * step : v;
 }
 
+// The result of all steps down but a last few, where none of them rounds; false where one may.
+bool take_exact_rest(double& v, double period, double limit) {
+    if (!(v > 0.0) || !std::isfinite(v) || !(limit < 2.0 * period)) {
+        return false;
+    }
+    const double ulps = std::ldexp(period, std::numeric_limits<double>::digits - 1 - std::ilogb(v));
+    if (!std::isfinite(ulps) || ulps != std::floor(ulps)) {
+        return false;
+    }
+    double rest = std::fmod(v, period);
+    // The steps end at the first value that isn't above the limit; those from here up to v are exact as well.
+    while (rest + period <= limit) {
+        rest += period;
+    }
+    v = rest;
+    return true;
+}
+
 // Subtracts the period while v > limit; false when a subtraction no longer changes the value.
 bool step_down(double& v, double period, double limit) {
     for (int steps = 0; v > limit; ++steps) {
+        if (steps == plain_steps && take_exact_rest(v, period, limit)) {
+            continue;
+        }
         if (steps >= plain_steps) {
             v = jump_down(v, period, limit);
         }
@@ -83,7 +108,7 @@ WrapOutcome wrap_into_period(double low, double high, double& value) {
             outcome.went_up = true;
             double mirrored = -value;
             const bool moved = step_down(mirrored, period, -lo_limit);
-            value = -mirrored;
+            value = 0.0 - mirrored;  // a sum that ends at zero ends at +0
             if (!moved) {
                 return outcome;
             }

@@ -75,6 +75,28 @@ TEST(Wrap, far_values_equal_one_addition_after_the_other_to_the_last_bit) {
     }
 }
 
+// Periods that are whole numbers of last places of the value take another way than others.
+TEST(Wrap, angles_of_a_machine_that_turned_for_long_equal_the_slow_way) {
+    std::mt19937_64 random(7);
+    const double ends[][2] = {{0.0, 360.0},   {0.0, 90.0},      {-180.0, 180.0},  {-90.0, 90.0}, {0.0, 45.0},
+                              {100.0, 190.0}, {-360.0, -270.0}, {0.0, 7.5},       {0.0, 0.125},  {0.0, 7.2},
+                              {1.5, 91.5},    {0.0, 120.0},     {1000.0, 1001.0}, {-0.1, 0.1},   {5e-324, 90.0}};
+    for (const auto& [low, high] : ends) {
+        const KZB_TABLE table = cyclic_axis({low, high});
+        const double period = high - low;
+        for (int i = 0; i < 300; ++i) {
+            const double turns = std::uniform_real_distribution<double>(-1.0, 1.0)(random) * std::pow(10.0, i % 5 + 1);
+            const double values[] = {turns * period, std::round(turns) * period, std::round(turns * period),
+                                     std::round(turns) * period + low, std::nextafter(turns * period, 1e300)};
+            for (double x : values) {
+                double wrapped = 0.0;
+                ASSERT_TRUE(kzb::table_wrap_cyclic_axes(table, &x, &wrapped)) << low << ' ' << high << ' ' << x;
+                ASSERT_EQ(bits(wrapped), bits(pass_by_pass(low, high, x))) << low << ' ' << high << ' ' << x;
+            }
+        }
+    }
+}
+
 TEST(Wrap, steps_that_tie_between_two_values_equal_the_slow_way) {
     // A period of half an ulp more than a whole number of ulps of the values around 2^40: every step is a tie.
     const double ulp = std::ldexp(1.0, 40 - 52);

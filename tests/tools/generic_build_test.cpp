@@ -429,6 +429,7 @@ TEST_F(BuildGeneric, refuses_with_one_line_that_names_place_and_expectation) {
     const std::string head = one_coil.substr(0, one_coil.find("[[axis]]"));
     const Fault faults[] = {
         {"TOML", "[[terminal\n", "d.toml:1: not valid TOML"},
+        {"letter beyond ASCII", "[[terminal\xc3\x9c ]]\n", "d.toml:1: not valid TOML"},
         {"empty", "", "d.toml: no terminal of kind"},
         {"unknown key", network + "ohm = 3\n", "d.toml:14: resistor 1.ohm: unknown key"},
         {"unknown section", network + "[windings]\n", "windings: unknown key"},

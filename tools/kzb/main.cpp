@@ -7,6 +7,7 @@
 
 #include <CLI/CLI.hpp>
 #include <clocale>
+#include <csignal>
 #include <exception>
 #include <new>
 #include <optional>
@@ -133,6 +134,7 @@ int run_command_line(int argc, char** argv) {
 }  // namespace kzb::tool
 
 int main(int argc, char** argv) {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is told as any other that cannot be written
     try {
         return kzb::tool::run_command_line(argc, argv);
     } catch (const kzb::tool::Failure& failure) {

@@ -9,10 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#ifndef TOML_EXCEPTIONS
-#define TOML_EXCEPTIONS 1
-#endif
-#include <toml++/toml.h>
+#include "kzb/toml.h"
 
 namespace kzb::tool {
 

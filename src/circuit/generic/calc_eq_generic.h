@@ -17,6 +17,7 @@
 #include <boost/shared_ptr.hpp>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -120,6 +121,7 @@ class Calc_Eq_generic : public Calc {
     boost::shared_ptr<KZCircuitForGeneric> circuit_;
     KZFEMTableModel tables_;
     std::vector<boost::shared_ptr<KZUserSpecifiedParam>> user_params_;
+    std::unordered_map<int, KZUserSpecifiedParam*> user_param_of_port_;  // the first of a port
     std::vector<boost::shared_ptr<KZForceTable>> force_tables_;
     KZCircuitSolverForGeneric solver_;
     int step_count_ = 1;      // 1 until the first update

@@ -98,12 +98,8 @@ KZForceTable* Calc_Eq_generic::force_table(int id) const {
 }
 
 KZUserSpecifiedParam* Calc_Eq_generic::user_param(int port) const {
-    for (const auto& param : user_params_) {
-        if (param->output_port == port) {
-            return param.get();
-        }
-    }
-    return nullptr;
+    const auto at = user_param_of_port_.find(port);
+    return at == user_param_of_port_.end() ? nullptr : at->second;
 }
 
 double Calc_Eq_generic::force(int table_id) {

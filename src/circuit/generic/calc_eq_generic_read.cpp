@@ -50,6 +50,7 @@ int Calc_Eq_generic::initialize(KZB_STORE& store) {
         tables_ = KZFEMTableModel();
         force_tables_.clear();
         user_params_.clear();
+        user_param_of_port_.clear();
         return offered ? 1 : 0;
     }
     tables_.set_interpolation(method());
@@ -99,6 +100,7 @@ void Calc_Eq_generic::read_user_params(const KZB_STORE& store) {
         param->resolution = record.integer("reference_resolution") != 0 ? 1 : 0;
         param->row = rows[param->resolution]++;
         param->coef_output_port = record.optional_number("coef_output_port").value_or(param->coef_output_port);
+        user_param_of_port_.emplace(param->output_port, param.get());
         user_params_.push_back(std::move(param));
     }
 }

@@ -14,6 +14,17 @@ mu::string_type widened(const std::string& text) {
     return wide;
 }
 
+// The parser reads numbers by a locale that all parsers share, and the runtime lays by, unsynchronised, what it finds
+// out about a locale at the first number. So the first number of the process is read here, before any thread goes on.
+void read_first_number() {
+    static const double number = [] {
+        mu::Parser parser;
+        parser.SetExpr(widened("1.5"));
+        return parser.Eval();
+    }();
+    static_cast<void>(number);
+}
+
 }  // namespace
 
 Expression::~Expression() = default;
@@ -22,6 +33,7 @@ Expression& Expression::operator=(Expression&&) noexcept = default;
 
 Expression::Expression(const std::vector<std::string>& names, const std::string& text)
     : given_(names.size(), 0.0), bound_(std::make_unique<std::vector<double>>(names.size(), 0.0)) {
+    read_first_number();
     auto parser = std::make_unique<mu::Parser>();
     try {
         for (std::size_t i = 0; i < names.size(); ++i) {

@@ -1,5 +1,6 @@
 // KZFEMTableModel: what it takes from the file.
 #include <algorithm>
+#include <limits>
 
 #include "circuit/generic/fem_table_model.h"
 #include "models/environment.h"
@@ -81,8 +82,10 @@ void KZFEMTableModel::read_corrections(const std::vector<KZUserSpecifiedParam>& 
     corrections_.read_parameters(*store_);
     for (const Record& record : records_of(*store_, "torque_force_list;phase_list;phase")) {
         const int number = corrections_.add(record);
-        if (number != no_correction) {
-            force_corrections_[record.integer("index") + 1] = number;
+        const int index = record.integer("index");
+        // Behind the greatest index there is no id.
+        if (number != no_correction && index < std::numeric_limits<int>::max()) {
+            force_corrections_[index + 1] = number;
         }
     }
     for (std::size_t i = 0; i < params.size(); ++i) {

@@ -66,6 +66,7 @@ BodyState take_body_or_put_off(KZB_TABLE& table, FileSource& source, BodyMemory&
         return take_body<Form>(table, source, memory);
     } catch (const std::bad_alloc&) {
         put_off_body(table, position);
+        memory.note_shortage();
         return BodyState::put_off;
     }
 }

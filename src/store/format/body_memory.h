@@ -20,6 +20,10 @@ class BodyMemory {
   public:
     explicit BodyMemory(std::int64_t file_size) : file_size_(file_size), unbacked_left_(file_size + small_grant) {}
 
+    // Whether a body was put off for want of memory.
+    bool ran_out() const { return ran_out_; }
+    void note_shortage() { ran_out_ = true; }
+
     // Gives `table` the shape `sizes`; `backed` of its values stand in the file. False, with the table as it was, for a
     // shape that the file cannot back: values that it lacks are granted up to its own size and a little more, over all
     // tables. Throws bad_alloc where memory ran out, the table then has no body.
@@ -36,6 +40,7 @@ class BodyMemory {
     std::size_t slab_size_ = 0;
     std::size_t slab_used_ = 0;
     bool slab_refused_ = false;
+    bool ran_out_ = false;
 };
 
 }  // namespace kzb

@@ -88,9 +88,6 @@ int read_model_file(KZB_STORE& store, const char* path) {
     int result = 1;
     try {
         result = read_form(store, source);
-        if (source.failed()) {
-            result = 1;
-        }
     } catch (const std::bad_alloc&) {
         // What was read stays, and the steps behind reading run.
     }
@@ -143,6 +140,9 @@ void read_tables(KZB_STORE& store) {
         report_reading_error();
     }
     ++store.revision;
+    if (memory.ran_out()) {
+        throw std::bad_alloc();  // what could be loaded is
+    }
 }
 
 void write_model_file(const KZB_STORE& store) {

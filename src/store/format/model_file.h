@@ -15,7 +15,8 @@ namespace kzb {
 // Reads the file at `path` into the store: 0, or 1 with the cause in the store's error. What was read stays.
 int read_model_file(KZB_STORE& store, const char* path);
 
-// Fetches the bodies of the tables of the selected application (application_loads) from the store's input file.
+// Fetches the bodies of the tables of the selected application (application_loads) from the store's input file. Throws
+// bad_alloc where one of them found no memory, with the others loaded.
 void read_tables(KZB_STORE& store);
 
 // Writes to output_path in the form of output_type; nothing where output_type is neither word. Silent on failure.

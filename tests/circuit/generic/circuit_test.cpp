@@ -39,6 +39,34 @@ TEST(GenericCircuit, element_of_no_terminal_or_no_type_and_a_port_id_out_of_rang
     }
 }
 
+TEST(GenericCircuit, more_than_2000_branches_and_terminals_are_refused) {
+    for (const int terminals : {1999, 2000}) {
+        GenericFile file;
+        for (int id = 1; id <= terminals; ++id) {
+            file.put(kzb::record_name("terminal_list;terminal", 0, id - 1), {{"id", id}, {"type", id == 1 ? 2 : 0}});
+        }
+        file.resistor(1, 1, 2, 1.0);
+        GenericRun run(file.store);
+        EXPECT_EQ(run.model.faults().empty(), terminals == 1999);
+    }
+}
+
+// Types 1 and 2 alone are sources and grounds: 10 V halved by two resistors of 1 Ohm.
+TEST(GenericCircuit, terminal_of_any_other_type_is_a_node) {
+    for (const int type : {3, -1, 7}) {
+        GenericFile file;
+        file.source(1, 1);
+        file.terminal(2, type);
+        file.terminal(3, 2);
+        file.resistor(1, 1, 2, 1.0);
+        file.resistor(2, 2, 3, 1.0);
+        GenericRun run(file.store);
+        run.sample(0.0, {10.0});
+        run.sample(1e-3, {10.0});
+        EXPECT_NEAR(run.model.circuit().terminal_at(1)->potential, 5.0, 1e-12) << type;
+    }
+}
+
 TEST(GenericCircuit, names_are_optional_and_an_empty_name_finds_nothing) {
     GenericFile file;
     file.add("terminal_list;terminal", {{"id", 1}, {"type", 1}});  // no name at all

@@ -59,6 +59,13 @@ TEST(GenericCoil, zero_current_is_moved_by_a_part_of_the_least_node) {
     EXPECT_NEAR(inductance_at(fine, 0.0), 0.05, 1e-12);
 }
 
+// On {-10, 0, 0.4} the nodes are walked from the first: only -10 is a least one so far that is not 0, so w = 10 and
+// step = 0.05 * 10, which leaves the grid: the flux there is that of 0.4.
+TEST(GenericCoil, least_node_is_that_of_a_walk_from_the_first) {
+    CoilFile file({-10.0, 0.0, 0.4}, square);
+    EXPECT_NEAR(inductance_at(file, 0.0), 0.16 / 0.5, 1e-12);
+}
+
 // x = 2 on {1, 2, 3}: lo 1, hi 3, u = v = 1/2, step = (0.025 + 0.05) * 2 = 0.15, upwards: slope of 2 .. 3 is 5.
 // x = -2 on {-3, -2, -1}: the step is positive too: slope of -2 .. -1 is -3.
 TEST(GenericCoil, step_is_positive_on_both_sides) {
@@ -95,6 +102,31 @@ TEST_F(ConstantStep, is_a_hundredth_and_negative_for_a_negative_current) {
     EXPECT_TRUE(coil_of(run.model, 0).inductances.empty());
 }
 
+TEST(GenericCoil, difference_step_is_constant_for_1_alone) {
+    setenv("DORN_KZ_DEBUG_CONSTDIFF", "2", 1);
+    CoilFile file({-3.0, -2.0, -1.0}, square);
+    EXPECT_NEAR(inductance_at(file, -2.0), -3.0, 1e-9);
+    unsetenv("DORN_KZ_DEBUG_CONSTDIFF");
+}
+
+// No current behind an expression is moved by a hundredth of 1 mA, 1e-5 A: the slope of the first 1e-4 A, 2.
+TEST(GenericCoil, no_current_behind_an_expression_is_moved_by_a_part_of_the_least_current) {
+    CoilFile file({0.0, 1e-4, 1.0}, [](const auto& x) { return x[0] < 1e-3 ? 2.0 * x[0] : 1.0; });
+    kzb::put_int(file.store, "table_axis_list;0;axis;0;", "type", 0);
+    kzb::put_string(file.store, "table_axis_list;0;axis;0;", "definition", "i");
+    file.add("user_defined_equation_list;user_defined_equation",
+             {{"name", std::string("i")}, {"type", 1}, {"reference_id", 1}});
+    EXPECT_NEAR(inductance_at(file, 0.0), 2.0, 1e-9);
+}
+
+// An axis of flag 2 wraps in the lookup, and is brought back to 2.97 all the same; 0.1507275 behind that, past the end
+// at 3, the table is at 1.1207275 of its second turn.
+TEST(GenericCoil, axis_of_another_cyclic_flag_than_1_is_brought_back) {
+    CoilFile file({1.0, 2.0, 3.0}, square);
+    kzb::table_set_cyclic_flag(kzb::find_table(file.store, "flux_list;0;flux_table;0;", "table"), 1, 2);
+    EXPECT_NEAR(inductance_at(file, 100.0), (1.0 + 3.0 * 0.1207275 - 8.85) / 0.1507275, 1e-9);
+}
+
 // Above the grid {1, 2, 3} the base is 0.99 * 3 = 2.97, its flux 4 + 5 * 0.97 = 8.85; u = 0.015, v = 0.985,
 // step = (0.985 * 0.05 + 0.015 * 0.1) * 2.97 = 0.1507275, which leaves the grid: the flux is 9, that of the last node.
 TEST(GenericCoil, current_above_the_grid_is_differenced_from_below_its_end) {
@@ -122,6 +154,25 @@ TEST(GenericCoil, turns_scale_flux_and_inductance_but_not_the_previous_flux) {
 }
 
 // Without a coefficient the base temperature stands for it: 293.15 ppm per K, 0.029315 % per K.
+// From 7 A at 0 V over 1 ms: (2 Ohm * 1 ms + 2 * 0.1 H) i = 0.7 Vs, the flux of the table at 7 A.
+TEST(GenericCoil, previous_flux_enters_the_step_as_the_table_gave_it) {
+    CoilFile file({-20.0, 0.0, 20.0}, [](const auto& x) { return 0.1 * x[0]; });
+    kzb::put_double(file.store, "element_type_list;0;element_type;0;", "coef_turns2", 2.0);
+    GenericRun run(file.store);
+    run.model.set_current(PortGroup::coils, 1, 7.0);
+    run.sample(0.0, {0.0});
+    run.sample(1e-3, {0.0});
+    EXPECT_NEAR(run.model.current(PortGroup::coils, 1), 0.7 / 0.202, 1e-9);
+}
+
+TEST(GenericCoil, turns_stand_for_those_that_are_not_in_the_file) {
+    CoilFile file({-20.0, 0.0, 20.0}, [](const auto& x) { return 0.1 * x[0]; });
+    kzb::put_double(file.store, "element_type_list;0;element_type;0;", "turns", 4.0);
+    GenericRun run(file.store);
+    EXPECT_EQ(run.model.value(PortGroup::coils, 1, "turns2"), 4.0);
+    EXPECT_EQ(coil_of(run.model, 0).turn_ratio(), 1.0);
+}
+
 TEST(GenericCoil, coefficient_that_is_not_in_the_file_is_the_base_temperature) {
     CoilFile file({-10.0, 10.0}, [](const auto& x) { return x[0]; });
     GenericRun run(file.store);
@@ -163,6 +214,23 @@ void set_currents(GenericRun& run, const std::vector<double>& currents) {
     for (int k = 1; k <= 3; ++k) {
         run.model.set_current(PortGroup::coils, k, currents[static_cast<std::size_t>(k - 1)]);
     }
+}
+
+// The element type's id is 7, its group 1.
+TEST(GenericCoilSet, names_its_coils_by_their_group) {
+    GenericFile file;
+    file.source(1, 1);
+    file.terminal(2, 2);
+    file.coil(7, 1, 2, 2.0, 1, 1);
+    file.add("element_set_list;coil_set", {{"id", 1}, {"type", 0}, {"current_axis_no", 1}});
+    file.put("element_set_list;0;coil_set;0;coil;0;", {{"coil_id", 1}});
+    file.record_table("flux_list;flux_table", {{{-20.0, 20.0}, false}, places(1)},
+                      [](const auto& x) { return 0.1 * x[0]; });
+    GenericRun run(file.store);
+    ASSERT_TRUE(run.model.faults().empty()) << run.model.faults().front();
+    run.model.set_current(PortGroup::coils, 1, 3.0);
+    run.sample(0.0, {0.0});
+    EXPECT_NEAR(coil_of(run.model, 0).flux, 0.3, 1e-15);
 }
 
 // i_k = -A sin(phase + delta_k + theta), theta = 2 pi position / period.

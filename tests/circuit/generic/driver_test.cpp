@@ -90,6 +90,30 @@ TEST(GenericDriver, model_without_branches_takes_one_pass) {
     EXPECT_EQ(run.model.circuit().terminal_at(1)->potential, 0.0);
 }
 
+// A coil without resistance whose table gives half of its flux's slope as inductance: from 0 A the first pass goes to
+// 2 A, twice the way to the solution, the second comes back by the same distance, and so on; all numbers are exact. Of
+// passes that moved equally far the first stands.
+TEST(GenericDriver, step_that_does_not_converge_ends_with_its_50th_pass_and_the_best_of_them) {
+    GenericFile file;
+    file.source(1, 1);
+    file.terminal(2, 2);
+    file.coil(1, 1, 2, 0.0, 1, 1);
+    file.add("element_set_list;coil_set", {{"id", 1}, {"type", 0}, {"current_axis_no", 1}});
+    file.put("element_set_list;0;coil_set;0;coil;0;", {{"coil_id", 1}});
+    const GenericAxis current{{-16.0, 16.0}, false};
+    file.record_table("flux_list;flux_table", {current, places(1)}, [](const auto& x) { return 0.5 * x[0]; });
+    file.record_table("inductance_list;diff_inductance_table", {current, places(1)}, [](const auto&) { return 0.25; });
+    GenericRun run(file.store);
+    run.sample(0.0, {0.0});
+    // 512 V for 1/1024 s: 0.5 Vs, which are 1 A.
+    EXPECT_EQ(run.sample(1.0 / 1024.0, {512.0}), 1);
+    EXPECT_EQ(run.model.current(PortGroup::coils, 1), 2.0);
+    EXPECT_EQ(run.model.pass_counts().solved_steps, 1);
+    EXPECT_EQ(run.model.pass_counts().passes, 50);
+    EXPECT_EQ(run.model.pass_counts().most_passes, 50);
+    EXPECT_EQ(run.model.pass_counts().unconverged_steps, 1);
+}
+
 TEST(GenericDriver, store_without_the_application_still_opens_with_result_0) {
     OneCoil file;
     kzb::put_int(file.store, "control", "motor_type", 10000);

@@ -60,6 +60,25 @@ TEST(GenericNetwork, capacitor_charges_as_backward_euler_says) {
     }
 }
 
+// 10 V, 1 Ohm to a node, 1 Ohm to ground, and on the node both ends of an inductor with 2 A, which counts there once,
+// as leaving by its second end: i_2 = i_1 + 2 A, 10 V - p + 2 A * 1 Ohm = p.
+TEST(GenericNetwork, branch_with_both_ends_on_one_node_counts_its_second_end) {
+    GenericFile file;
+    file.source(1, 1);
+    file.terminal(2, 0);
+    file.terminal(3, 2);
+    file.resistor(1, 1, 2, 1.0);
+    file.resistor(2, 2, 3, 1.0);
+    file.inductor(3, 2, 2, 0.5);
+    GenericRun run(file.store);
+    run.model.set_current(PortGroup::inductors, 1, 2.0);
+    run.sample(0.0, {10.0});
+    run.sample(1e-3, {10.0});
+    EXPECT_NEAR(run.model.current(PortGroup::inductors, 1), 2.0, 1e-9);
+    EXPECT_NEAR(run.model.current(PortGroup::resistors, 1), 4.0, 1e-9);
+    EXPECT_NEAR(run.model.current(PortGroup::resistors, 2), 6.0, 1e-9);
+}
+
 TEST(GenericNetwork, current_source_drives_its_current_and_keeps_it_when_switched_off) {
     GenericFile file;
     file.source(1, 1);

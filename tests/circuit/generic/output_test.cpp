@@ -67,6 +67,18 @@ TEST(GenericForce, coefficient_acts_in_the_coil_set_form_alone) {
     }
 }
 
+// Two motions share a table: the coefficient of the last one counts.
+TEST(GenericForce, of_one_id_given_twice_is_the_last) {
+    MovingFile file(0, 2.0, false);
+    file.add("motion_condition_list;motion_condition",
+             {{"id", 2}, {"type", 0}, {"forcetable_id", 1}, {"coef_force", 7.0}, {"max_displacement", 2.0}});
+    file.record_table("torque_force_list;torque_table", {travel, places(1)}, position_of);
+    GenericRun run(file.store);
+    run.model.step({}, {1.5, 0.0}, 0.0, {}, run.status);
+    EXPECT_EQ(run.model.force_correction(1), 7.0);
+    EXPECT_DOUBLE_EQ(run.model.force(1), 7.0 * 1.5);
+}
+
 TEST(GenericOutput, coefficient_acts_in_the_coil_set_form_alone) {
     for (const bool table_axes : {true, false}) {
         MovingFile file(0, 2.0, table_axes);
@@ -115,9 +127,24 @@ TEST(GenericOutput, rows_of_two_tables_count_by_resolution) {
     EXPECT_DOUBLE_EQ(run.model.user_parameter(4), 51.0);
 }
 
-// An iron loss over the motion's speed: a linear one in its unit per second, a rotating one in turns per minute.
+// Both parameters name port 2; the first one, row 0 with 3.0, is read there: 3 * 5, then 3 * 2.
+TEST(GenericOutput, first_parameter_of_a_port_is_read_and_corrected) {
+    MovingFile file(0, 2.0, false);
+    file.param(1);
+    file.param(2);
+    kzb::put_int(file.store, "user_specified_parameter1", "output_port_id", 2);
+    file.record_table("output_list;output_table", {travel, places(2)}, [](const auto& x) { return x[1] + 3.0; });
+    GenericRun run(file.store);
+    file.step(run, 0.5);
+    EXPECT_EQ(run.model.user_parameter(1), 0.0);
+    EXPECT_DOUBLE_EQ(run.model.user_parameter(2), 15.0);
+    run.model.set_user_parameter_correction(2, 2.0);
+    EXPECT_DOUBLE_EQ(run.model.user_parameter(2), 6.0);
+}
+
+// An iron loss over the motion's speed: a linear one in its unit per second, any other in turns per minute.
 TEST(GenericIronLoss, speed_of_a_motion_has_the_unit_of_its_kind) {
-    for (const int type : {0, 1}) {
+    for (const int type : {0, 1, 7}) {
         MovingFile file(type, type == 0 ? 2.0 : 360.0);
         file.table("ironloss", {{{-1e5, 1e5}, false}}, position_of);
         file.put("ironloss;0;axis_list;0;axis;0;",
@@ -130,6 +157,17 @@ TEST(GenericIronLoss, speed_of_a_motion_has_the_unit_of_its_kind) {
         file.step(run, 0.6, 1e-3);  // 100 per second
         EXPECT_NEAR(run.model.iron_loss(), type == 0 ? 100.0 : 100.0 / (2.0 * pi) * 60.0, 1e-8);
     }
+}
+
+TEST(GenericIronLoss, is_taken_when_switched_on) {
+    MovingFile file;
+    file.table("ironloss", {{{0.0, 100.0}, false}}, [](const auto&) { return 8.0; });
+    GenericRun run(file.store);
+    file.step(run, 0.5);
+    EXPECT_EQ(run.model.iron_loss(), 0.0);
+    run.model.set_iron_loss_enabled(true);
+    file.step(run, 0.5);
+    EXPECT_EQ(run.model.iron_loss(), 8.0);
 }
 
 TEST(GenericIronLoss, user_input_reaches_the_axis_by_its_number) {
@@ -184,6 +222,18 @@ TEST(GenericExpression, empty_correction_leaves_the_axis_and_a_bad_one_makes_it_
     EXPECT_EQ(axis_of("x", "c * *"), 0.0);
 }
 
+TEST(GenericExpression, correction_reads_parameters_beside_its_variable) {
+    MovingFile file;
+    file.record_table("torque_force_list;torque_table", {travel, places(1)}, position_of);
+    file.add("correction_parameter_list;correction_parameter", {{"name", std::string("gain")}, {"value", 10.0}});
+    file.put("torque_force_list;0;phase_list;0;phase;0;", {{"index", 0},
+                                                           {"correction_expression", std::string("gain * f + f")},
+                                                           {"correction_variable", std::string("f")}});
+    GenericRun run(file.store);
+    file.step(run, 1.5);
+    EXPECT_DOUBLE_EQ(run.model.force(1), 10.0 * 1.5 + 1.5);
+}
+
 // What an expression assigns is forgotten: the second evaluation is as the first.
 TEST(GenericExpression, assignment_doesnt_last) {
     kzb::Expression expression({"a", "b"}, "a = a + b");
@@ -202,9 +252,12 @@ TEST(GenericMotion, limit_is_the_period_of_a_motion_that_is_not_periodic) {
     EXPECT_EQ(run.model.motion_by_name("plunger"), 1);
     EXPECT_EQ(run.model.motion_by_name(""), 0);
     EXPECT_EQ(run.model.motion_table_id(1), 1);
-    kzb::put_int(file.store, "motion_condition_list;0;motion_condition;0;", "flg_periodic", 1);
-    GenericRun periodic(file.store);
-    EXPECT_EQ(periodic.model.motion_upper_limit(1), 0.0);
+    // Only 1 makes a motion periodic.
+    for (const int flag : {1, 2}) {
+        kzb::put_int(file.store, "motion_condition_list;0;motion_condition;0;", "flg_periodic", flag);
+        GenericRun periodic(file.store);
+        EXPECT_EQ(periodic.model.motion_upper_limit(1) == 0.0, flag == 1);
+    }
 }
 
 // A motion of another kind reaches the tables as 0.

@@ -1,0 +1,243 @@
+// kzb_finish and kzb_export_information on files that fail: the old file or the whole new one, and nothing beside it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "faults/file_faults.h"
+#include "faults/models.h"
+#include "faults/quiet.h"
+
+namespace {
+
+using namespace kzb_test;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr FileCall writing_calls[] = {FileCall::open,   FileCall::write, FileCall::fsync,
+                                      FileCall::fchmod, FileCall::close, FileCall::rename};
+constexpr int more_than_any = 50;  // calls of a kind in one writing
+
+const std::string old_content = "the file of before";
+
+class WritingFaults : public testing::Test {
+  protected:
+    WritingFaults() : path_(folder_ / "out") {
+        finish(path_);
+        new_content_ = read_file(path_);
+        std::filesystem::remove(path_);
+    }
+
+    // A store of several buffers.
+    static KZB_STORE* filled() {
+        KZB_STORE* store = nullptr;
+        kzb_initialize(&store);
+        kzb_put_int("control", "motor_type", 10000, store);
+        const int sizes[] = {20000};
+        kzb_create_table("c", "large", 1, sizes, store);
+        for (int i = 0; i < sizes[0]; ++i) {
+            kzb_set_table_axis_value("c", "large", 1, i, i, store);
+        }
+        for (int i = 0; i < 4000; ++i) {
+            kzb_put_int("many", std::to_string(i).c_str(), i, store);
+        }
+        return store;
+    }
+    static void finish(const std::string& path) {
+        KZB_STORE* const store = filled();
+        kzb_writer(path.c_str(), store);
+        kzb_finish(store);
+    }
+    // Whether the fault came to pass.
+    bool finish_with(const FaultPlan& plan) {
+        KZB_STORE* const store = filled();
+        kzb_writer(path_.c_str(), store);
+        const Quiet quiet;
+        const FaultyFiles faults(plan);
+        kzb_finish(store);
+        return faults.struck();
+    }
+
+    Folder folder_;
+    std::string path_;
+    std::string new_content_;
+};
+
+TEST_F(WritingFaults, a_call_that_fails_leaves_the_old_file_or_the_whole_new_one) {
+    for (const FileCall call : writing_calls) {
+        for (const int error : {ENOSPC, EACCES}) {
+            int hits = 0;
+            bool struck = true;
+            for (long number = 1; struck && number < more_than_any; ++number) {
+                write_file(path_, old_content);
+                struck = finish_with({call, number, FileFault::fails, error});
+                EXPECT_THAT(read_file(path_), AnyOf(old_content, new_content_)) << static_cast<int>(call);
+                EXPECT_THAT(folder_.names(), ElementsAre("out"));
+                hits += struck ? 1 : 0;
+                if (!struck) {
+                    EXPECT_EQ(read_file(path_), new_content_);
+                } else if (call != FileCall::open && call != FileCall::close) {
+                    EXPECT_EQ(read_file(path_), old_content);
+                }
+            }
+            EXPECT_FALSE(struck);
+            EXPECT_GT(hits, 0) << static_cast<int>(call);
+        }
+    }
+}
+
+TEST_F(WritingFaults, a_call_that_fails_leaves_nothing_or_the_whole_file_where_none_stood) {
+    for (const FileCall call : writing_calls) {
+        bool struck = true;
+        for (long number = 1; struck && number < more_than_any; ++number) {
+            std::filesystem::remove(path_);
+            struck = finish_with({call, number, FileFault::fails, ENOSPC});
+            EXPECT_THAT(folder_.names(), AnyOf(IsEmpty(), ElementsAre("out")));
+            if (!folder_.names().empty()) {
+                EXPECT_EQ(read_file(path_), new_content_);
+            }
+        }
+    }
+}
+
+TEST_F(WritingFaults, short_and_interrupted_writes_write_everything) {
+    for (const FileFault fault : {FileFault::shortened, FileFault::interrupted}) {
+        bool struck = true;
+        for (long number = 1; struck && number < more_than_any; ++number) {
+            write_file(path_, old_content);
+            struck = finish_with({FileCall::write, number, fault, 0});
+            EXPECT_EQ(read_file(path_), new_content_);
+        }
+    }
+}
+
+TEST_F(WritingFaults, a_process_killed_at_any_call_leaves_the_old_file_or_the_whole_new_one) {
+    for (const FileCall call : writing_calls) {
+        int status = killed_status;
+        int killed = 0;
+        for (long number = 1; status == killed_status && number < more_than_any; ++number) {
+            write_file(path_, old_content);
+            const pid_t child = fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                finish_with({call, number, FileFault::kills, 0});
+                _exit(0);
+            }
+            int ended = 0;
+            ASSERT_EQ(waitpid(child, &ended, 0), child);
+            status = WIFEXITED(ended) ? WEXITSTATUS(ended) : -1;
+            EXPECT_THAT(status, AnyOf(0, killed_status));
+            killed += status == killed_status ? 1 : 0;
+            EXPECT_THAT(read_file(path_), AnyOf(old_content, new_content_));
+        }
+        EXPECT_GT(killed, 0);
+        EXPECT_EQ(status, 0);
+        EXPECT_EQ(read_file(path_), new_content_);
+    }
+}
+
+// As a host that may write the file but not the folder sees it.
+TEST_F(WritingFaults, a_folder_that_takes_no_new_file_has_the_file_written_in_place) {
+    write_file(path_, old_content);
+    struct stat before {};
+    ASSERT_EQ(stat(path_.c_str(), &before), 0);
+    EXPECT_TRUE(finish_with({FileCall::open, 2, FileFault::fails, EACCES}));
+    struct stat after {};
+    ASSERT_EQ(stat(path_.c_str(), &after), 0);
+    EXPECT_EQ(before.st_ino, after.st_ino);
+    EXPECT_EQ(read_file(path_), new_content_);
+}
+
+TEST_F(WritingFaults, mode_and_owner_of_the_old_file_stay) {
+    write_file(path_, old_content);
+    ASSERT_EQ(chmod(path_.c_str(), 0604), 0);
+    constexpr uid_t somebody = 12345;
+    const bool given_away = chown(path_.c_str(), somebody, somebody) == 0;  // a right of the superuser
+    finish(path_);
+    struct stat after {};
+    ASSERT_EQ(stat(path_.c_str(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, 0604U);
+    EXPECT_EQ(after.st_uid, given_away ? somebody : geteuid());
+    EXPECT_EQ(read_file(path_), new_content_);
+}
+
+TEST_F(WritingFaults, a_new_file_has_the_mode_that_the_mask_leaves) {
+    const mode_t mask = umask(027);
+    finish(path_);
+    umask(mask);
+    struct stat after {};
+    ASSERT_EQ(stat(path_.c_str(), &after), 0);
+    EXPECT_EQ(after.st_mode & 07777, 0640U);
+}
+
+TEST_F(WritingFaults, symbolic_links_stay_and_lead_to_the_new_file) {
+    write_file(folder_ / "target", old_content);
+    std::filesystem::create_symlink("target", folder_ / "first");
+    std::filesystem::create_symlink(folder_ / "first", path_);
+    finish(path_);
+    EXPECT_TRUE(std::filesystem::is_symlink(path_));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "first"));
+    EXPECT_EQ(read_file(folder_ / "target"), new_content_);
+    std::filesystem::remove(folder_ / "target");
+    finish(path_);  // links that lead to no file yet
+    EXPECT_EQ(read_file(folder_ / "target"), new_content_);
+    EXPECT_THAT(folder_.names(), ElementsAre("first", "out", "target"));
+}
+
+TEST_F(WritingFaults, a_file_without_a_name_and_devices_are_written_in_place) {
+    const int nameless = open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_GE(nameless, 0);
+    std::filesystem::remove(path_);
+    finish("/proc/self/fd/" + std::to_string(nameless));
+    EXPECT_EQ(lseek(nameless, 0, SEEK_END), static_cast<off_t>(new_content_.size()));
+    close(nameless);
+    finish("/dev/null");
+    finish("/dev/full");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    EXPECT_THAT(folder_.names(), IsEmpty());
+}
+
+TEST_F(WritingFaults, places_that_take_no_file_are_passed_over_in_silence) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    for (const std::string& place :
+         {folder_ / "", folder_ / "none/out", std::string(), folder_ / std::string(300, 'x')}) {
+        finish(place);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStdout() + testing::internal::GetCapturedStderr(), "");
+    EXPECT_THAT(folder_.names(), IsEmpty());
+}
+
+TEST_F(WritingFaults, the_exported_document_is_the_old_one_or_the_whole_new_one) {
+    ModelFile model;
+    fill_generic(model);
+    KZB_STORE* const store = loaded_store(model.path());
+    ASSERT_EQ(kzb_export_information(store, path_.c_str()), 0);
+    const std::string document = read_file(path_);
+    for (const FileCall call : writing_calls) {
+        bool struck = true;
+        for (long number = 1; struck && number < more_than_any; ++number) {
+            write_file(path_, old_content);
+            kzb_reset_error(store);
+            int result = -1;
+            {
+                const FaultyFiles faults({call, number, FileFault::fails, ENOSPC});
+                result = kzb_export_information(store, path_.c_str());
+                struck = faults.struck();
+            }
+            EXPECT_THAT(read_file(path_), AnyOf(old_content, document));
+            EXPECT_THAT(folder_.names(), ElementsAre("out"));
+            // A file that can't be opened is told, a write that fails is not.
+            EXPECT_EQ(result, struck && call == FileCall::open ? 1 : 0);
+            EXPECT_EQ(kzb_has_error(store), struck && call == FileCall::open ? 90032 : 0);
+        }
+    }
+    kzb_finish(store);
+}
+
+}  // namespace
