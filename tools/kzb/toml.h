@@ -2,9 +2,9 @@
 // U+00A1 to U+0499, which any text may hold. They are no white space.
 #pragma once
 
-#ifndef TOML_EXCEPTIONS
+// The parser itself is compiled once, in toml.cpp.
 #define TOML_EXCEPTIONS 1
-#endif
+#define TOML_HEADER_ONLY 0
 #include <toml++/impl/preprocessor.h>
 #include <toml++/impl/std_string.h>
 #pragma push_macro("TOML_UNREACHABLE")
