@@ -7,17 +7,18 @@
 
 #include <array>
 
-#include "store/lookup_front.h"
+#include "store/sibling_tables.h"
 
 namespace kzb {
 
 class ImFlatTables {
   public:
     static constexpr std::size_t count = 5;
+    using Siblings = SiblingTables<count>;
     static constexpr double lower_end = -100.0;  // of both axes
     static constexpr double upper_end = 100.0;
-    using Refs = std::array<TableRef*, count>;
-    using Values = std::array<double, count>;
+    using Refs = Siblings::Refs;
+    using Values = Siblings::Values;
 
     // Values at `point` [2], as five lookups would give and count them; false where these have to be made.
     bool look_up(KZB_STORE& store, Scheme scheme, const double* point, Values& values);

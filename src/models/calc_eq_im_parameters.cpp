@@ -70,13 +70,10 @@ void Calc_Eq_im_transient::look_up_parameters(const double* point) {
 
 void Calc_Eq_im_transient::look_up_tables(const double* point, ImFlatTables::Values& values) {
     tables_.last_point.begin(*store_);
-    const ImFlatTables::Refs refs = tables_.of_point();
-    bool formed = true;
-    for (std::size_t k = 0; k < refs.size(); ++k) {
-        values[k] = refs[k]->at(*store_, method(), point, 2);
-        // A lookup that formed no value has printed why.
-        formed = formed && std::fabs(values[k]) < 1e100;
-    }
+    tables_.siblings.look_up(*store_, method(), tables_.of_point(), point, 2, values);
+    // A lookup that formed no value has printed why.
+    const bool formed =
+        std::all_of(values.begin(), values.end(), [](double value) { return std::fabs(value) < 1e100; });
     tables_.last_point.end(*store_, point, formed && tables_.plain(*store_));
 }
 

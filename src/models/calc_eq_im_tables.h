@@ -71,6 +71,7 @@ class ImLastPoint {
 struct ImTables {
     ImLastPoint last_point;
     ImFlatTables flat;
+    ImFlatTables::Siblings siblings;
     TableRef l11{im_tables, "L11_table"};
     TableRef m12{im_tables, "M12_table"};
     TableRef m21{im_tables, "M21_table"};

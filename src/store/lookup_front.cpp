@@ -14,6 +14,13 @@
 
 namespace kzb {
 
+void keep_status(KZB_STORE& store, const KZB_TABLE* table, int code, const double* coordinates, int count) {
+    store.error = code;
+    if (store.watch != nullptr && table != nullptr) {
+        store.watch->left_table(*table, coordinates, count);
+    }
+}
+
 namespace {
 
 // A lookup's own copy of the coordinates; on the stack for tables of common dimension.
@@ -41,14 +48,6 @@ class Coordinates {
     std::vector<double> large_;
     double* data_ = small_.data();
 };
-
-// Of a lookup that ended with a status above 0.
-void keep_status(KZB_STORE& store, const KZB_TABLE* table, int code, const double* coordinates, int count) {
-    store.error = code;
-    if (store.watch != nullptr && table != nullptr) {
-        store.watch->left_table(*table, coordinates, count);
-    }
-}
 
 double scheme_value(KZB_STORE& store, bool category_exists, const KZB_TABLE* table, Scheme scheme,
                     const double* coordinates) {

@@ -40,6 +40,9 @@ double look_up(KZB_STORE& store, const ResolvedTable& resolved, Scheme scheme, c
 double look_up_plain(KZB_STORE& store, bool category_exists, const KZB_TABLE* table, Scheme scheme,
                      const double* values, int count);
 
+// Takes note of a lookup in `table` that ended with a status above 0, `code`.
+void keep_status(KZB_STORE& store, const KZB_TABLE* table, int code, const double* coordinates, int count);
+
 class TableRef {
   public:
     TableRef() = default;

@@ -67,6 +67,14 @@ int table_lookup_components(Scheme scheme, const KZB_TABLE* table, const double*
                             const ComponentRange& range, double* results, double* timing,
                             const LookupSwitches& switches);
 
+// Whether both tables have the same axes: sizes, nodes to the bit, none of them cyclic.
+bool table_has_same_axes(const KZB_TABLE& table, const KZB_TABLE& other);
+// Lookups of one point in `count` tables with the same axes: results, counters and messages are those of single lookups
+// in this order. `statuses` holds what each of them would return. False, with nothing done, where they have to be made
+// one by one.
+bool table_lookup_siblings(Scheme scheme, const KZB_TABLE* const* tables, int count, const double* coordinates,
+                           double* results, int* statuses, double* timing, const LookupSwitches& switches);
+
 // Coordinates brought into the period of each cyclic axis; false when a coordinate has no place there (the addition of
 // periods would never end), the lookup then yields KZB_NO_VALUE.
 bool table_wrap_cyclic_axes(const KZB_TABLE& table, const double* coordinates, double* wrapped);

@@ -273,6 +273,26 @@ bool look_up_components(BlockScheme scheme, const double* coordinates, const Com
     return true;
 }
 
+bool look_up_siblings(BlockScheme scheme, const KZB_TABLE* const* tables, int count, const double* coordinates,
+                      double* results, int& status, double* timing) {
+    const double* const values = scheme.table.values.data();
+    BlockPlan plan;
+    plan.base = values;
+    for (std::size_t a = 0; a < scheme.table.axes.size(); ++a) {
+        if (!scheme.add_axis(a, coordinates[a], plan)) {
+            return false;
+        }
+    }
+    const std::ptrdiff_t corner = plan.base - values;
+    for (int k = 0; k < count; ++k) {
+        plan.base = tables[k]->values.data() + corner;
+        results[k] = evaluate(plan);
+        scheme.count_calls(timing);
+    }
+    status = plan.status;
+    return true;
+}
+
 // "Spline4" has no generic path up to five axes.
 BlockScheme scheme_of_width(const KZB_TABLE& table, int width, const LookupSwitches& switches) {
     return BlockScheme{table, width, width == 6 && switches.generic_path};
@@ -290,6 +310,12 @@ bool straight_local_spline(const KZB_TABLE& table, const double* coordinates, in
                            double* timing, const LookupSwitches& switches) {
     return is_straight(table) &&
            look_up(scheme_of_width(table, width, switches), coordinates, out, timing, switches.measure_time);
+}
+
+bool straight_block_siblings(const KZB_TABLE* const* tables, int count, const double* coordinates, int width,
+                             double* results, int& status, double* timing, const LookupSwitches& switches) {
+    return is_straight(*tables[0]) && look_up_siblings(scheme_of_width(*tables[0], width, switches), tables, count,
+                                                       coordinates, results, status, timing);
 }
 
 bool straight_cubic_components(const KZB_TABLE& table, const double* coordinates, const ComponentRange& range,

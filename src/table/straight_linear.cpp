@@ -379,6 +379,33 @@ bool straight_linear(const KZB_TABLE& table, const double* coordinates, Straight
     return true;
 }
 
+bool straight_linear_siblings(const KZB_TABLE* const* tables, int count, const double* coordinates, double* results,
+                              int& status, double* timing, const LookupSwitches& switches) {
+    const KZB_TABLE& first = *tables[0];
+    if (!is_whole(first) || first.dim > 5) {
+        return false;
+    }
+    const bool turn_rule = reads_pairs(first, switches);
+    LinearPlan plan;
+    plan.base = first.values.data();
+    for (std::size_t a = 0; a < first.axes.size(); ++a) {
+        if (!add_axis(first, a, coordinates[a], turn_rule, plan)) {
+            return false;
+        }
+    }
+    const std::ptrdiff_t corner = plan.base - first.values.data();
+    for (int k = 0; k < count; ++k) {
+        plan.base = tables[k]->values.data() + corner;
+        results[k] = evaluate(plan);
+        if (!value_stands(plan, results[k])) {
+            return false;
+        }
+    }
+    timing[slot_linear_calls] += static_cast<double>(count) * static_cast<double>((1 << first.dim) - 1);
+    status = plan.status;
+    return true;
+}
+
 bool straight_linear_components(const KZB_TABLE& table, const double* coordinates, const ComponentRange& range,
                                 double* results, int& status, double* timing, const LookupSwitches& switches) {
     if (!is_whole(table) || table.dim > 5) {

@@ -31,6 +31,14 @@ bool straight_local_spline_components(const KZB_TABLE& table, const double* coor
                                       const ComponentRange& range, double* results, int& status, double* timing,
                                       const LookupSwitches& switches);
 
+// One point in `count` tables over the same nodes: the axes are searched in the first for all. `status` is that of the
+// point.
+bool straight_linear_siblings(const KZB_TABLE* const* tables, int count, const double* coordinates, double* results,
+                              int& status, double* timing, const LookupSwitches& switches);
+// `width` 0: "Cubic".
+bool straight_block_siblings(const KZB_TABLE* const* tables, int count, const double* coordinates, int width,
+                             double* results, int& status, double* timing, const LookupSwitches& switches);
+
 inline bool is_whole(const KZB_TABLE& table) {
     return table.dim >= 1 && table.values && table.axes.size() == static_cast<std::size_t>(table.dim);
 }
