@@ -50,23 +50,23 @@ double natural_spline_value(const double* x, const double* y, const double* c, i
     return y[s] + e * (slope + e * (c[s] + ((c[s + 1] - c[s]) / (3.0 * h)) * e));
 }
 
-double natural_spline_eval(int n, const double* x, const double* y, double q) {
+double natural_spline_eval(int n, const double* x, const double* y, double q, double* work) {
     if (x[0] > q) {
         return y[0];
     }
     if (q > x[n]) {
         return y[n];
     }
-    Scratch<2048> scratch;
-    const auto size = static_cast<std::size_t>(n);
-    double* const work = scratch.take(3 * size + 1);
-    if (work == nullptr) {
-        return KZB_NO_VALUE;
-    }
-    double* const c = work + 2 * size;
+    double* const c = work + 2 * static_cast<std::size_t>(n);
     const int s = natural_segment(n, x, q);
     natural_spline_coefficients(n, x, y, s, work, c);
     return natural_spline_value(x, y, c, s, q);
+}
+
+double natural_spline_eval(int n, const double* x, const double* y, double q) {
+    Scratch<2048> scratch;
+    double* const work = scratch.take(spline_work(n));
+    return work == nullptr ? KZB_NO_VALUE : natural_spline_eval(n, x, y, q, work);
 }
 
 }  // namespace kzb

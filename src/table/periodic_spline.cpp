@@ -4,6 +4,7 @@
 // The system takes the values as they stand, the evaluation takes the first value for the last node. So a table whose
 // ends differ does not get the spline through these ends: established behaviour.
 #include "table/kernels.h"
+#include "table/natural_spline.h"
 #include "table/node_search.h"
 #include "table/scratch.h"
 
@@ -53,13 +54,9 @@ void solve_coefficients(int n, const double* x, const double* y, double* z, doub
 
 }  // namespace
 
-double periodic_spline_eval(int n, const double* x, const double* y, double q) {
-    Scratch<2048> scratch;
+double periodic_spline_eval(int n, const double* x, const double* y, double q, double* work) {
     const auto size = static_cast<std::size_t>(n) + 1;
-    double* z = scratch.take(4 * size);
-    if (z == nullptr) {
-        return KZB_NO_VALUE;
-    }
+    double* const z = work;
     solve_coefficients(n, x, y, z, z + size, z + 2 * size, z + 3 * size);
     q = into_period(n, x, q);
     const int i = periodic_segment(n, x, q);
@@ -68,6 +65,12 @@ double periodic_spline_eval(int n, const double* x, const double* y, double q) {
     const double hh = x[i + 1] - x[i];
     const double e = q - x[i];
     return y0 + e * (((z[i + 1] - z[i]) * e / hh + 3.0 * z[i]) * e + (y1 - y0) / hh - (2.0 * z[i] + z[i + 1]) * hh);
+}
+
+double periodic_spline_eval(int n, const double* x, const double* y, double q) {
+    Scratch<2048> scratch;
+    double* const work = scratch.take(spline_work(n));
+    return work == nullptr ? KZB_NO_VALUE : periodic_spline_eval(n, x, y, q, work);
 }
 
 }  // namespace kzb

@@ -57,4 +57,8 @@ const double* SplineMemo::coefficients(const KZB_TABLE& table, std::size_t a, co
     return kept;
 }
 
+double* SplineMemo::work(std::size_t count) {
+    return work_.size() >= count || work_.allocate(count) ? work_.data() : nullptr;
+}
+
 }  // namespace kzb

@@ -1,4 +1,5 @@
-// Coefficients of the splined lines of a small table, kept from one lookup to the next.
+// What the whole-axis splines of a table keep from one lookup to the next: working memory, and the coefficients of the
+// lines of a small table.
 //
 // Beside the coefficients of a line stand the nodes and values they were formed of; they serve again only where these
 // are the same to the last bit. So nobody has to tell the memo that a table has changed, and no result depends on it.
@@ -6,6 +7,8 @@
 
 #include <cstddef>
 #include <vector>
+
+#include "table/zeroed_array.h"
 
 struct KZB_TABLE;
 
@@ -21,6 +24,9 @@ class SplineMemo {
     // at `first`; null where the table is too large or memory ran out.
     const double* coefficients(const KZB_TABLE& table, std::size_t a, const double* first, const double* values);
 
+    // Working memory for `count` doubles, grown and kept with the table; null when memory ran out.
+    double* work(std::size_t count);
+
   private:
     bool make_room(const KZB_TABLE& table, std::size_t a);
 
@@ -29,6 +35,7 @@ class SplineMemo {
     int total_ = -1;
     std::vector<double> store_;  // per line: nodes, values, coefficients [rows] each
     std::vector<char> formed_;   // per line
+    ZeroedArray work_;
 };
 
 }  // namespace kzb

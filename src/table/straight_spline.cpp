@@ -11,7 +11,6 @@
 #include "table/kernels.h"
 #include "table/natural_spline.h"
 #include "table/node_search.h"
-#include "table/scratch.h"
 #include "table/spline_axis.h"
 #include "table/straight_lookup.h"
 
@@ -82,7 +81,7 @@ void reduce_strip(const WholePlan& plan, int level, const double* p, int column_
 }
 
 // The line that is left; the point is on none of its nodes and inside its ends, as the tolerance sees them.
-double evaluate_last(const WholePlan& plan, const double* line) {
+double evaluate_last(const WholePlan& plan, const double* line, double* work) {
     const SplineAxis& axis = plan.axis[plan.active - 1];
     const int n = axis.rows - 1;
     if (n == 1) {
@@ -90,7 +89,7 @@ double evaluate_last(const WholePlan& plan, const double* line) {
         return linear_segment(axis.nodes[0], axis.nodes[1], line[0], line[1], axis.x, uncounted);
     }
     if (axis.cyclic != 0) {
-        return periodic_spline_eval(n, axis.nodes, line, axis.x);
+        return periodic_spline_eval(n, axis.nodes, line, axis.x, work);
     }
     const bool inside = axis.nodes[0] <= axis.x && axis.x <= axis.nodes[n];
     if (plan.active == 1 && inside) {
@@ -100,7 +99,7 @@ double evaluate_last(const WholePlan& plan, const double* line) {
             return natural_spline_value(axis.nodes, line, c, natural_segment(n, axis.nodes, axis.x), axis.x);
         }
     }
-    return natural_spline_eval(n, axis.nodes, line, axis.x);
+    return natural_spline_eval(n, axis.nodes, line, axis.x, work);
 }
 
 double evaluate(WholePlan& plan, double* scratch) {
@@ -118,12 +117,17 @@ double evaluate(WholePlan& plan, double* scratch) {
             std::memcpy(line + c, out, static_cast<std::size_t>(lanes) * sizeof(double));
         }
     }
-    return evaluate_last(plan, line);
+    return evaluate_last(plan, line, line + last.rows);
+}
+
+// Of the last axis: its line, and what the spline through that works in.
+std::size_t last_axis_scratch(int rows) {
+    return static_cast<std::size_t>(rows) + spline_work(rows - 1);
 }
 
 std::size_t scratch_size(const WholePlan& plan) {
-    std::size_t size = 0;
-    for (int k = 0; k < plan.active; ++k) {
+    std::size_t size = last_axis_scratch(plan.axis[plan.active - 1].rows);
+    for (int k = 0; k + 1 < plan.active; ++k) {
         size += spline_axis_scratch(plan.axis[k].rows);
     }
     return size;
@@ -164,13 +168,15 @@ bool straight_spline(const KZB_TABLE& table, const double* coordinates, Straight
     if (plan.active == 0) {
         out.value = *plan.base;
     } else {
-        Scratch<8192> scratch;
-        double* memory = scratch.take(scratch_size(plan));
+        constexpr std::size_t fixed = 8192;
+        double small[fixed];
+        const std::size_t size = scratch_size(plan);
+        double* memory = size <= fixed ? small : table.spline_memo.work(size);
         if (memory == nullptr) {
             return false;
         }
         double* line = memory;
-        memory += spline_axis_scratch(plan.axis[plan.active - 1].rows);
+        memory += last_axis_scratch(plan.axis[plan.active - 1].rows);
         for (int k = 0; k + 1 < plan.active; ++k) {
             prepare_spline_axis(plan.axis[k], memory);
             memory += spline_axis_scratch(plan.axis[k].rows);

@@ -82,6 +82,30 @@ TEST(LookupAllocation, odd_grids_take_nothing_from_the_heap) {
     }
 }
 
+// Working memory beyond what stands on the stack is kept with the table.
+TEST(LookupAllocation, splines_along_axes_of_thousands_of_rows_take_nothing_after_the_first) {
+    Point fine;
+    for (int i = 0; i <= 7200; ++i) {
+        fine.push_back(0.05 * i);
+    }
+    const std::vector<std::vector<Point>> shapes{{fine}, {fine, {0.0, 1.0, 3.0}}, {{0.0, 1.0, 3.0}, fine}};
+    for (const std::vector<Point>& axes : shapes) {
+        for (const int cyclic : {0, 1}) {
+            SCOPED_TRACE(std::to_string(axes.size()) + " axes, cyclic " + std::to_string(cyclic));
+            ModelFile file;
+            std::vector<int> flags;
+            Point x;
+            for (const Point& axis : axes) {
+                flags.push_back(axis.size() > 3 ? cyclic : 0);
+                x.push_back(axis.size() > 3 ? 123.4567 : 0.25);
+            }
+            file.table(
+                "map", "f", axes, [](const Point& at) { return at[0] + at.back(); }, flags);
+            expect_no_allocation(file, x, "inside", {"Spline"});
+        }
+    }
+}
+
 // A function that is straight along every axis is met by every scheme away from edge tangents: "Linear" and both
 // whole-line and local splines give it to rounding.
 TEST(LookupAllocation, straight_functions_of_many_axes_are_met) {
