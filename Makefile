@@ -2,6 +2,7 @@
 #
 #   make demo      install what is missing, build, run the example on real data: CSV and plot in demo-output/
 #   make test      install what is missing, build, run every test
+#   make long      the tests that take minutes each
 #   make bench     the benchmarks, with the ratio to the plain reference each
 #   make sanitize  the tests under the address, undefined and thread sanitizers
 #   make fuzz      each fuzz target for a minute
@@ -10,7 +11,7 @@
 #   make clang     build with clang++
 #   make deps      install what is missing (Debian packages)
 
-.PHONY: all deps build test demo bench sanitize fuzz coverage format check-format clang tidy clean
+.PHONY: all deps build test long demo bench sanitize fuzz coverage format check-format clang tidy clean
 SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.c')
 CTEST = ctest --output-on-failure --parallel 2 --label-exclude long
 
@@ -25,6 +26,9 @@ build: deps
 
 test: build
 	cd build/release && $(CTEST)
+
+long: build
+	cd build/release && ctest --output-on-failure --label-regex long
 
 demo: build
 	examples/demo.sh build/release demo-output
