@@ -24,6 +24,7 @@
 #include "models/pmsm_data.h"
 #include "models/pmsm_debug.h"
 #include "models/pmsm_tables.h"
+#include "models/turns.h"
 #include "models/user_parameters.h"
 #include "store/store.h"
 
@@ -31,7 +32,7 @@ namespace kzb {
 
 struct FluxInputs;
 
-class Calc_Eq : public Calc {
+class Calc_Eq : public Calc, public CorrectionSetters<PmsmCorrections> {
   public:
     // Error numbers of `step`: indices of the message table.
     static constexpr int error_infinite = 18;
@@ -51,13 +52,6 @@ class Calc_Eq : public Calc {
     void set_connection(int connection) { machine_.connection = connection; }
     void set_resistance_base(double ohm) { machine_.resistance_base = ohm; }
     void set_skew(const SkewParameters& skew) { skew_ = skew; }
-    void set_correction_flux(double factor) { corrections_.correction_flux = factor; }
-    void set_correction_magnet(double factor) { corrections_.correction_magnet = factor; }
-    void set_correction_steel(double factor) { corrections_.correction_steel = factor; }
-    void set_correction_inductance(double factor) { corrections_.correction_inductance = factor; }
-    void set_correction_torque(double factor) { corrections_.correction_torque = factor; }
-    void set_turns1(double turns) { corrections_.turns1 = turns; }
-    void set_turns2(double turns) { corrections_.turns2 = turns; }
 
     // ---- the model's own temperatures, apart from those of Calc
     double own_coil_temperature() const { return temperatures_.coil_temperature; }
@@ -134,7 +128,6 @@ class Calc_Eq : public Calc {
 
     // ---- all that the model holds
     const PmsmMachine& machine() const { return machine_; }
-    const PmsmCorrections& corrections() const { return corrections_; }
     const PmsmTemperatures& temperatures() const { return temperatures_; }
     const PmsmStep& state() const { return step_; }
     const PmsmLosses& losses() const { return losses_; }
@@ -251,7 +244,6 @@ class Calc_Eq : public Calc {
 
     KZB_STORE* store_ = nullptr;  // borrowed
     PmsmMachine machine_;
-    PmsmCorrections corrections_;
     PmsmTemperatures temperatures_;
     PmsmStep step_;
     PmsmLosses losses_;

@@ -32,7 +32,8 @@
 
 namespace kzb {
 
-class Calc_Eq_im_transient : public Calc {
+// The corrections are folded, yet read by no equation of this model, as established.
+class Calc_Eq_im_transient : public Calc, public CorrectionSetters<CoilCorrections> {
   public:
     Calc_Eq_im_transient();
     ~Calc_Eq_im_transient() override;
@@ -49,13 +50,6 @@ class Calc_Eq_im_transient : public Calc {
     void set_connection(int connection) { machine_.connection_type = connection; }
     // Primary resistance Rs_DC (Ohm); 0.0 takes the file's "R1".
     void set_resistance(double ohm) { resistances_.Rs_DC = ohm; }
-    void set_correction_flux(double factor) { corrections_.correction_flux = factor; }
-    void set_correction_magnet(double factor) { corrections_.correction_magnet = factor; }
-    void set_correction_steel(double factor) { corrections_.correction_steel = factor; }
-    void set_correction_inductance(double factor) { corrections_.correction_inductance = factor; }
-    void set_correction_torque(double factor) { corrections_.correction_torque = factor; }
-    void set_turns1(double turns) { corrections_.turns1 = turns; }
-    void set_turns2(double turns) { corrections_.turns2 = turns; }
 
     // ---- secondary coil; the primary coil's temperatures are those of Calc
     double secondary_coil_temperature() const { return temperatures_.secondary_coil_temperature; }
@@ -141,7 +135,6 @@ class Calc_Eq_im_transient : public Calc {
 
     // ---- all that the model holds
     const ImMachine& machine() const { return machine_; }
-    const CoilCorrections& corrections() const { return corrections_; }
     const ImResistances& resistances() const { return resistances_; }
     const ImTemperatures& temperatures() const { return temperatures_; }
     const ImStep& state() const { return step_; }
@@ -180,6 +173,8 @@ class Calc_Eq_im_transient : public Calc {
     void apply_first_step_rule();
 
     // calc_eq_im_implicit.cpp
+    template <class Solve>
+    Currents implicit_currents(double time, double displacement, Solve solve);
     TwoAxis terminal_voltage(const double* voltages) const;
     void finish_from_currents(const Currents& currents, const double* voltages);
     Currents accepted_currents() const;
@@ -205,7 +200,6 @@ class Calc_Eq_im_transient : public Calc {
     int torque_type_ = 0;         // DORN_KZ_TORQUE_TYPE
     bool read_parameter_file_ = false;
     ImMachine machine_;
-    CoilCorrections corrections_;  // folded, yet read by no equation of this model, as established
     ImResistances resistances_;
     ImTemperatures temperatures_;
     ImStep step_;

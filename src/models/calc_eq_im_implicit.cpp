@@ -28,21 +28,27 @@ Matrix4 inductance_matrix(const ImInductances& l) {
 
 }  // namespace
 
+// What both steps begin with; solve(dt) gives the currents where time has gone on.
+template <class Solve>
+Calc_Eq_im_transient::Currents Calc_Eq_im_transient::implicit_currents(double time, double displacement, Solve solve) {
+    start_step(time, displacement);
+    update_parameters();
+    apply_first_step_rule();
+    const double dt = step_.time - step_.time_prev;
+    if (dt <= 0.0) {
+        step_.current_latest = step_.current_accepted;
+        return {};
+    }
+    return solve(dt);
+}
+
 void Calc_Eq_im_transient::step_voltage_driven(const double* voltages, double displacement, double time,
                                                const double* signals) {
     if (store_ == nullptr) {
         return;
     }
-    start_step(time, displacement);
-    update_parameters();
-    apply_first_step_rule();
-    const double dt = step_.time - step_.time_prev;
-    Currents currents;
-    if (dt <= 0.0) {
-        step_.current_latest = step_.current_accepted;
-    } else {
-        currents = solve_currents(voltages, signals, dt);
-    }
+    const Currents currents =
+        implicit_currents(time, displacement, [&](double dt) { return solve_currents(voltages, signals, dt); });
     finish_from_currents(currents, voltages);
     update_total_flux(currents_out());
 }
@@ -51,17 +57,8 @@ void Calc_Eq_im_transient::step_current_driven(const double* currents, double di
     if (store_ == nullptr) {
         return;
     }
-    start_step(time, displacement);
-    update_parameters();
-    apply_first_step_rule();
-    const double dt = step_.time - step_.time_prev;
-    Currents solved;
-    if (dt <= 0.0) {
-        step_.current_latest = step_.current_accepted;
-    } else {
-        solved = solve_secondary(currents, dt);
-    }
-    finish_from_currents(solved, nullptr);
+    finish_from_currents(
+        implicit_currents(time, displacement, [&](double dt) { return solve_secondary(currents, dt); }), nullptr);
 }
 
 void Calc_Eq_im_transient::finish_from_currents(const Currents& currents, const double* voltages) {

@@ -22,7 +22,6 @@ class Calc_Eq_sm : public CoilMachine {
     void reset() override;
     // Takes tables and fixed data from `store`, which the model borrows from now on.
     void bind(KZB_STORE& store);
-    void set_correction_torque(double factor) { corrections_.correction_torque = factor; }
 
     // Voltage driven: d0 to d3 are the terminal voltages less `voltage` of the coil.
     void step(double d0, double d1, double d2, double d3, double position, double time, double signal0, double signal1,

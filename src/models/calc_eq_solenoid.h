@@ -22,7 +22,7 @@ class Calc_Eq_solenoid : public CoilMachine {
     void reset() override;
     // Takes tables and fixed data from `store`, which the model borrows from now on.
     void bind(KZB_STORE& store);
-    void set_correction_force(double factor) { corrections_.correction_torque = factor; }
+    void set_correction_force(double factor) { set_correction_torque(factor); }
 
     // Voltage driven: `d` is the terminal voltage less `voltage(1)`.
     void step(double d, double position, double time, double signal);

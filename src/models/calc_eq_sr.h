@@ -26,7 +26,6 @@ class Calc_Eq_sr : public CoilMachine {
     // Takes tables and fixed data from `store`, which the model borrows from now on. A machine of other than 3, 4 or 5
     // `phases` has no coil.
     void bind(KZB_STORE& store, int phases);
-    void set_correction_torque(double factor) { corrections_.correction_torque = factor; }
 
     // Voltage driven: `voltages` and `signals` [phases].
     void step(const double* voltages, double position, double time, const double* signals);

@@ -13,18 +13,12 @@
 
 namespace kzb {
 
-class CoilMachine : public Calc {
+class CoilMachine : public Calc, public CorrectionSetters<CoilCorrections> {
   public:
     // Back to the defaults, unbound.
     virtual void reset();
 
     // ---- before binding
-    void set_correction_flux(double factor) { corrections_.correction_flux = factor; }
-    void set_correction_magnet(double factor) { corrections_.correction_magnet = factor; }
-    void set_correction_steel(double factor) { corrections_.correction_steel = factor; }
-    void set_correction_inductance(double factor) { corrections_.correction_inductance = factor; }
-    void set_turns1(double turns) { corrections_.turns1 = turns; }
-    void set_turns2(double turns) { corrections_.turns2 = turns; }
     void set_resistance_base(double ohm) { circuit_.R_base = ohm; }
 
     // ---- initial conditions and inputs; a phase that the machine does not have is left alone
@@ -48,7 +42,6 @@ class CoilMachine : public Calc {
 
     // ---- all that the machine holds
     const CoilCircuit& circuit() const { return circuit_; }
-    const CoilCorrections& corrections() const { return corrections_; }
 
     // Appends a record of every step to a text file in the current directory; off unless a developer turns it on.
     void set_debug_dump(bool on) { debug_dump_ = on; }
@@ -60,7 +53,6 @@ class CoilMachine : public Calc {
 
     KZB_STORE* store_ = nullptr;  // borrowed; null until all of `bind` is done
     CoilCircuit circuit_;
-    CoilCorrections corrections_;
     double position_ = 0.0;
     bool debug_dump_ = false;
 };

@@ -32,4 +32,21 @@ struct CoilCorrections {
     void fold(double file_turns);
 };
 
+// What a model with such corrections takes before it is bound.
+template <class Corrections>
+class CorrectionSetters {
+  public:
+    void set_correction_flux(double factor) { corrections_.correction_flux = factor; }
+    void set_correction_magnet(double factor) { corrections_.correction_magnet = factor; }
+    void set_correction_steel(double factor) { corrections_.correction_steel = factor; }
+    void set_correction_inductance(double factor) { corrections_.correction_inductance = factor; }
+    void set_correction_torque(double factor) { corrections_.correction_torque = factor; }
+    void set_turns1(double turns) { corrections_.turns1 = turns; }
+    void set_turns2(double turns) { corrections_.turns2 = turns; }
+    const Corrections& corrections() const { return corrections_; }
+
+  protected:
+    Corrections corrections_;
+};
+
 }  // namespace kzb
