@@ -9,10 +9,8 @@
 // of a cell of its axis, forth and back; the voltages carry the currents over their axes as well. In a case with
 // "_random" position and currents jump over their whole axes at every call.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <random>
@@ -24,6 +22,7 @@
 #include "bench/reference/solenoid_machine.h"
 #include "bench/reference/sr_machine.h"
 #include "bench/reference/stepper_machine.h"
+#include "bench/step_program.h"
 
 namespace {
 
@@ -75,53 +74,14 @@ std::vector<Sample> make_samples(const Case& machine, bool at_random) {
     return samples;
 }
 
-// The machine in memory and in a file that goes away at the end of the program.
-class Machine {
-  public:
-    explicit Machine(int motor_type) {
-        make_coil_sample(motor_type, store_);
-        path_ = std::filesystem::temp_directory_path() /
-                ("kzb_coil_step_" + std::to_string(getpid()) + "_" + std::to_string(motor_type) + ".kzb");
-        write_model_file(path_.c_str(), store_);
-    }
-    ~Machine() {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
-    }
-    Machine(const Machine&) = delete;
-    Machine& operator=(const Machine&) = delete;
-    Store& store() { return store_; }
-    const char* path() const { return path_.c_str(); }
-
-  private:
-    Store store_;
-    std::filesystem::path path_;
-};
-
-Machine& machine_of(int motor_type) {
-    static std::map<int, std::unique_ptr<Machine>> machines;
-    std::unique_ptr<Machine>& machine = machines[motor_type];
+kzb_bench::Machine& machine_of(int motor_type) {
+    static std::map<int, std::unique_ptr<kzb_bench::Machine>> machines;
+    std::unique_ptr<kzb_bench::Machine>& machine = machines[motor_type];
     if (!machine) {
-        machine = std::make_unique<Machine>(motor_type);
+        machine = std::make_unique<kzb_bench::Machine>("coil_step_" + std::to_string(motor_type),
+                                                       [=](Store& store) { make_coil_sample(motor_type, store); });
     }
     return *machine;
-}
-
-// The highest current tells that the run is one of a loaded machine.
-template <class Step>
-void measure(benchmark::State& state, const Case& machine, bool at_random, Step step) {
-    const std::vector<Sample> run = make_samples(machine, at_random);
-    std::size_t next = 0;
-    double time = 0.0;
-    double peak = 0.0;
-    for (auto _ : state) {
-        peak = std::fmax(peak, std::fabs(step(time, run[next])));
-        time += step_width;
-        if (++next == run.size()) {
-            next = 0;
-        }
-    }
-    state.counters["peak_current"] = peak;
 }
 
 void exported_step(benchmark::State& state, const Case& machine, int scheme, bool at_random) {
@@ -133,7 +93,7 @@ void exported_step(benchmark::State& state, const Case& machine, int scheme, boo
     }
     kzbcalcSetInterpolationType(scheme, handle);
     kzbcalcSetData(handle);
-    measure(state, machine, at_random, [&](double time, const Sample& sample) {
+    kzb_bench::measure(state, make_samples(machine, at_random), step_width, [&](double time, const Sample& sample) {
         kzbcalcSetTime(time, handle);
         kzbcalcSetDisplacement(sample.displacement, handle);
         for (int k = 0; k < machine.phases; ++k) {
@@ -163,7 +123,7 @@ void reference_step(benchmark::State& state, const Case& machine, int scheme, bo
     const auto reference = make_reference(machine.motor_type, machine_of(machine.motor_type).store(), lookup);
     reference->interpolation = schemes[scheme];
     reference->set_data();
-    measure(state, machine, at_random, [&](double time, const Sample& sample) {
+    kzb_bench::measure(state, make_samples(machine, at_random), step_width, [&](double time, const Sample& sample) {
         reference->set_time(time);
         reference->set_displacement(sample.displacement);
         for (int k = 0; k < machine.phases; ++k) {
@@ -184,11 +144,7 @@ void register_all() {
             for (const bool at_random : {false, true}) {
                 const std::string title =
                     std::string("step/") + machine.name + (at_random ? "_random/" : "/") + schemes[scheme] + '/';
-                benchmark::RegisterBenchmark((title + "exported").c_str(), exported_step, machine, scheme, at_random);
-                benchmark::RegisterBenchmark((title + "bare").c_str(), reference_step, machine, scheme, at_random,
-                                             static_cast<Lookup>(kzb_get_table_interpolated_value<Bare>));
-                benchmark::RegisterBenchmark((title + "clocks").c_str(), reference_step, machine, scheme, at_random,
-                                             static_cast<Lookup>(kzb_get_table_interpolated_value<WithClocks>));
+                kzb_bench::register_ways(title, exported_step, reference_step, machine, scheme, at_random);
             }
         }
     }
@@ -198,11 +154,5 @@ void register_all() {
 
 int main(int argc, char** argv) {
     register_all();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

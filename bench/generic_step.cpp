@@ -7,10 +7,8 @@
 // 500 rpm, one turn forth and back, 0.75 degrees a step: 20 steps to a cell of the position axis. The supplies carry
 // some 10 A, so that the currents move over their axes as well; a step takes some passes of the iteration.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,6 +16,7 @@
 #include "KZBCalculator/kzbcalc.h"
 #include "bench/reference/generic.h"
 #include "bench/reference/generic_machine.h"
+#include "bench/step_program.h"
 
 namespace {
 
@@ -49,55 +48,18 @@ const std::vector<Sample>& samples() {
     return made;
 }
 
-// The machine in memory and in a file that goes away at the end of the program.
-class Machine {
-  public:
-    explicit Machine(bool table_axes_form) {
-        kzb_reference::GenericMachine machine;
-        machine.table_axes_form = table_axes_form;
-        kzb_reference::make_generic_machine(machine, store_);
-        path_ = std::filesystem::temp_directory_path() /
-                ("kzb_generic_step_" + std::to_string(getpid()) + (table_axes_form ? "_axes.kzb" : "_sets.kzb"));
-        kzb_reference::write_model_file(path_.c_str(), store_);
-    }
-    ~Machine() {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
-    }
-    Machine(const Machine&) = delete;
-    Machine& operator=(const Machine&) = delete;
-    kzb_reference::Store& store() { return store_; }
-    const char* path() const { return path_.c_str(); }
-
-  private:
-    kzb_reference::Store store_;
-    std::filesystem::path path_;
-};
-
-Machine& machine_of(bool table_axes_form) {
-    static std::unique_ptr<Machine> machines[2];
-    std::unique_ptr<Machine>& machine = machines[table_axes_form ? 1 : 0];
+kzb_bench::Machine& machine_of(bool table_axes_form) {
+    static std::unique_ptr<kzb_bench::Machine> machines[2];
+    std::unique_ptr<kzb_bench::Machine>& machine = machines[table_axes_form ? 1 : 0];
     if (!machine) {
-        machine = std::make_unique<Machine>(table_axes_form);
+        machine = std::make_unique<kzb_bench::Machine>(table_axes_form ? "generic_step_axes" : "generic_step_sets",
+                                                       [=](kzb_reference::Store& store) {
+                                                           kzb_reference::GenericMachine sample;
+                                                           sample.table_axes_form = table_axes_form;
+                                                           kzb_reference::make_generic_machine(sample, store);
+                                                       });
     }
     return *machine;
-}
-
-// The highest current tells that the run is one of a loaded machine.
-template <class Step>
-void measure(benchmark::State& state, Step step) {
-    const std::vector<Sample>& run = samples();
-    std::size_t next = 0;
-    double time = 0.0;
-    double peak = 0.0;
-    for (auto _ : state) {
-        peak = std::fmax(peak, std::fabs(step(time, run[next])));
-        time += step_width;
-        if (++next == run.size()) {
-            next = 0;
-        }
-    }
-    state.counters["peak_current"] = peak;
 }
 
 void exported_step(benchmark::State& state, bool table_axes_form, int scheme) {
@@ -109,7 +71,7 @@ void exported_step(benchmark::State& state, bool table_axes_form, int scheme) {
     }
     kzbcalcSetInterpolationType(scheme, handle);
     kzbcalcSetData(handle);
-    measure(state, [handle](double time, const Sample& sample) {
+    kzb_bench::measure(state, samples(), step_width, [handle](double time, const Sample& sample) {
         kzbcalcSetTime(time, handle);
         kzbcalcSetDisplacementForGenericModel(1, sample.displacement_deg, handle);
         for (int k = 1; k <= 3; ++k) {
@@ -127,7 +89,7 @@ void reference_step(benchmark::State& state, bool table_axes_form, int scheme) {
     machine.interpolation = schemes[scheme];
     machine.set_data();
     int steps = 0;
-    measure(state, [&](double time, const Sample& sample) {
+    kzb_bench::measure(state, samples(), step_width, [&](double time, const Sample& sample) {
         machine.set_time(time);
         machine.set_displacement(1, sample.displacement_deg);
         for (int k = 1; k <= 3; ++k) {
@@ -152,11 +114,5 @@ int main(int argc, char** argv) {
             benchmark::RegisterBenchmark((title + "bare").c_str(), reference_step, table_axes_form, scheme);
         }
     }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

@@ -12,11 +12,8 @@
 //
 // All run the machine of bench/reference/im_machine.cpp from one file.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <filesystem>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -24,6 +21,7 @@
 #include "KZBCalculator/kzbcalc.h"
 #include "bench/reference/im.h"
 #include "bench/reference/im_machine.h"
+#include "bench/step_program.h"
 
 namespace {
 
@@ -74,57 +72,19 @@ const std::vector<Sample>& samples_of(bool random) {
     return random ? jumping : moving;
 }
 
-// A new store each time: a model of constants adds its tables.
-std::unique_ptr<kzb_reference::Store> make_store(const Case& which) {
-    auto store = std::make_unique<kzb_reference::Store>();
+// A new one each time: a model of constants adds its tables to the store.
+kzb_bench::Machine make_machine(const Case& which) {
     kzb_reference::SampleInduction machine;
     machine.tables = which.tables;
     machine.loss_table = which.losses;
     machine.copper_loss_table = which.losses;
-    kzb_reference::make_sample_induction(machine, *store);
-    return store;
-}
-
-// The machine in a file that goes away with the object.
-class MachineFile {
-  public:
-    explicit MachineFile(const Case& which)
-        : path_(std::filesystem::temp_directory_path() /
-                ("kzb_im_step_" + std::to_string(getpid()) + "_" + which.name + ".kzb")) {
-        kzb_reference::write_model_file(path_.c_str(), *make_store(which));
-    }
-    ~MachineFile() {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
-    }
-    MachineFile(const MachineFile&) = delete;
-    MachineFile& operator=(const MachineFile&) = delete;
-    const char* path() const { return path_.c_str(); }
-
-  private:
-    std::filesystem::path path_;
-};
-
-// The highest current tells that the run is one of a loaded machine. At the end of a run the time goes on and the
-// voltages, whole periods long, start anew.
-template <class Step>
-void measure(benchmark::State& state, bool random, Step step) {
-    const std::vector<Sample>& run = samples_of(random);
-    std::size_t next = 0;
-    double time = 0.0;
-    double peak = 0.0;
-    for (auto _ : state) {
-        peak = std::fmax(peak, std::fabs(step(time, 360.0 * speed * time, run[next])));
-        time += step_width;
-        if (++next == run.size()) {
-            next = 0;
-        }
-    }
-    state.counters["peak_current"] = peak;
+    return kzb_bench::Machine(std::string("im_step_") + which.name, [&machine](kzb_reference::Store& store) {
+        kzb_reference::make_sample_induction(machine, store);
+    });
 }
 
 void exported_step(benchmark::State& state, const Case& which, int scheme) {
-    const MachineFile machine(which);
+    const kzb_bench::Machine machine = make_machine(which);
     KZB_CALC* handle = nullptr;
     if (kzbcalcInitialize(machine.path(), voltage_driven, &handle) != 0) {
         state.SkipWithError("the model file does not open");
@@ -138,9 +98,10 @@ void exported_step(benchmark::State& state, const Case& which, int scheme) {
         kzbcalcSetUserCopperlossCalc(handle);
     }
     kzbcalcSetData(handle);
-    measure(state, which.random, [&](double time, double displacement, const Sample& sample) {
+    // The voltages of a run are whole periods long, so it can start anew.
+    kzb_bench::measure(state, samples_of(which.random), step_width, [&](double time, const Sample& sample) {
         kzbcalcSetTime(time, handle);
-        kzbcalcSetDisplacement(displacement, handle);
+        kzbcalcSetDisplacement(360.0 * speed * time, handle);
         kzbcalcSetSlipFrequency(sample.slip_hz, handle);
         for (int k = 0; k < 3; ++k) {
             kzbcalcSetVoltage(k + 1, sample.voltage[k], handle);
@@ -153,8 +114,8 @@ void exported_step(benchmark::State& state, const Case& which, int scheme) {
 }
 
 void reference_step(benchmark::State& state, const Case& which, int scheme, kzb_reference::Lookup lookup) {
-    const std::unique_ptr<kzb_reference::Store> store = make_store(which);
-    kzb_reference::Induction machine(*store, voltage_driven, lookup);
+    kzb_bench::Machine made = make_machine(which);
+    kzb_reference::Induction machine(made.store(), voltage_driven, lookup);
     machine.set_interpolation(schemes[scheme]);
     machine.set_step_size(step_width);
     if (which.losses) {
@@ -162,9 +123,10 @@ void reference_step(benchmark::State& state, const Case& which, int scheme, kzb_
         machine.set_user_copperloss_calc();
     }
     machine.set_data();
-    measure(state, which.random, [&](double time, double displacement, const Sample& sample) {
+    // The voltages of a run are whole periods long, so it can start anew.
+    kzb_bench::measure(state, samples_of(which.random), step_width, [&](double time, const Sample& sample) {
         machine.set_time(time);
-        machine.set_displacement(displacement);
+        machine.set_displacement(360.0 * speed * time);
         machine.set_slip_frequency(sample.slip_hz);
         for (int k = 0; k < 3; ++k) {
             machine.set_voltage(k + 1, sample.voltage[k]);
@@ -176,15 +138,10 @@ void reference_step(benchmark::State& state, const Case& which, int scheme, kzb_
 }
 
 void register_all() {
-    using namespace kzb_reference;
     for (const Case& which : cases) {
         for (int scheme = 0; scheme < static_cast<int>(std::size(schemes)); ++scheme) {
             const std::string title = std::string("step/") + which.name + '/' + schemes[scheme] + '/';
-            benchmark::RegisterBenchmark((title + "exported").c_str(), exported_step, which, scheme);
-            benchmark::RegisterBenchmark((title + "bare").c_str(), reference_step, which, scheme,
-                                         static_cast<Lookup>(kzb_get_table_interpolated_value<Bare>));
-            benchmark::RegisterBenchmark((title + "clocks").c_str(), reference_step, which, scheme,
-                                         static_cast<Lookup>(kzb_get_table_interpolated_value<WithClocks>));
+            kzb_bench::register_ways(title, exported_step, reference_step, which, scheme);
         }
     }
 }
@@ -193,11 +150,5 @@ void register_all() {
 
 int main(int argc, char** argv) {
     register_all();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

@@ -8,11 +8,9 @@
 // rotor turns at 500 rpm, one whole turn forth and back, 0.15 degrees a step: 20 steps to a cell of the position axis.
 // The voltages carry some 100 A, so that current and phase move over their axes as well.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +18,7 @@
 #include "KZBCalculator/kzbcalc.h"
 #include "bench/reference/pmsm.h"
 #include "bench/reference/sample_machine.h"
+#include "bench/step_program.h"
 
 namespace {
 
@@ -64,56 +63,18 @@ const std::vector<Sample>& samples() {
     return made;
 }
 
-// The machine in memory and in a file that goes away at the end of the program.
-class Machine {
-  public:
-    explicit Machine(int accuracy_type) {
-        kzb_reference::SampleMachine machine;
-        machine.accuracy_type = accuracy_type;
-        kzb_reference::make_sample_machine(machine, store_);
-        path_ = std::filesystem::temp_directory_path() /
-                ("kzb_step_" + std::to_string(getpid()) + "_" + std::to_string(accuracy_type) + ".kzb");
-        kzb_reference::write_model_file(path_.c_str(), store_);
-    }
-    ~Machine() {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
-    }
-    Machine(const Machine&) = delete;
-    Machine& operator=(const Machine&) = delete;
-    kzb_reference::Store& store() { return store_; }
-    const char* path() const { return path_.c_str(); }
-
-  private:
-    kzb_reference::Store store_;
-    std::filesystem::path path_;
-};
-
-Machine& machine_of(int accuracy_type) {
-    static std::unique_ptr<Machine> machines[6];
-    std::unique_ptr<Machine>& machine = machines[accuracy_type];
+kzb_bench::Machine& machine_of(int accuracy_type) {
+    static std::unique_ptr<kzb_bench::Machine> machines[6];
+    std::unique_ptr<kzb_bench::Machine>& machine = machines[accuracy_type];
     if (!machine) {
-        machine = std::make_unique<Machine>(accuracy_type);
+        const auto fill = [accuracy_type](kzb_reference::Store& store) {
+            kzb_reference::SampleMachine sample;
+            sample.accuracy_type = accuracy_type;
+            kzb_reference::make_sample_machine(sample, store);
+        };
+        machine = std::make_unique<kzb_bench::Machine>("step_" + std::to_string(accuracy_type), fill);
     }
     return *machine;
-}
-
-// The highest current tells that the run is one of a loaded machine.
-template <class Step>
-void measure(benchmark::State& state, Step step) {
-    const std::vector<Sample>& run = samples();
-    std::size_t next = 0;
-    double time = 0.0;
-    double peak = 0.0;
-    for (auto _ : state) {
-        const double current = step(time, run[next]);
-        peak = std::fmax(peak, std::fabs(current));
-        time += step_width;
-        if (++next == run.size()) {
-            next = 0;
-        }
-    }
-    state.counters["peak_current"] = peak;
 }
 
 void exported_step(benchmark::State& state, int accuracy_type, int scheme) {
@@ -125,7 +86,7 @@ void exported_step(benchmark::State& state, int accuracy_type, int scheme) {
     }
     kzbcalcSetInterpolationType(scheme, handle);
     kzbcalcSetData(handle);
-    measure(state, [handle](double time, const Sample& sample) {
+    kzb_bench::measure(state, samples(), step_width, [handle](double time, const Sample& sample) {
         kzbcalcSetTime(time, handle);
         kzbcalcSetDisplacement(sample.displacement_deg, handle);
         kzbcalcSetVoltage(1, sample.voltage[0], handle);
@@ -142,7 +103,7 @@ void reference_step(benchmark::State& state, int accuracy_type, int scheme, kzb_
     kzb_reference::Pmsm pmsm(machine_of(accuracy_type).store(), voltage_driven, lookup);
     pmsm.set_interpolation(schemes[scheme]);
     pmsm.set_data(false, false);
-    measure(state, [&pmsm](double time, const Sample& sample) {
+    kzb_bench::measure(state, samples(), step_width, [&pmsm](double time, const Sample& sample) {
         pmsm.set_time(time);
         pmsm.set_displacement(sample.displacement_deg);
         pmsm.set_voltage(1, sample.voltage[0]);
@@ -155,16 +116,11 @@ void reference_step(benchmark::State& state, int accuracy_type, int scheme, kzb_
 }
 
 void register_all() {
-    using namespace kzb_reference;
     for (const Application& application : applications) {
         for (int scheme = 0; scheme < static_cast<int>(std::size(schemes)); ++scheme) {
             const std::string title = std::string("step/") + application.name + '/' + schemes[scheme] + '/';
             const int accuracy = application.accuracy_type;
-            benchmark::RegisterBenchmark((title + "exported").c_str(), exported_step, accuracy, scheme);
-            benchmark::RegisterBenchmark((title + "bare").c_str(), reference_step, accuracy, scheme,
-                                         static_cast<Lookup>(kzb_get_table_interpolated_value<Bare>));
-            benchmark::RegisterBenchmark((title + "clocks").c_str(), reference_step, accuracy, scheme,
-                                         static_cast<Lookup>(kzb_get_table_interpolated_value<WithClocks>));
+            kzb_bench::register_ways(title, exported_step, reference_step, accuracy, scheme);
         }
     }
 }
@@ -173,11 +129,5 @@ void register_all() {
 
 int main(int argc, char** argv) {
     register_all();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

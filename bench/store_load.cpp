@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
+#include "bench/program.h"
 #include "bench/reference/sample_machine.h"
 #include "bench/reference/store.h"
 
@@ -155,11 +156,5 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark("load/fread_fresh", [](benchmark::State& state) {
         read_bytes(state, big_file().body_bytes(), true);
     })->Unit(benchmark::kMillisecond);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
+#include "bench/program.h"
 #include "bench/reference/lookup.h"
 #include "bench/reference/sample_machine.h"
 #include "store/lookup_front.h"
@@ -247,11 +248,5 @@ void register_all() {
 
 int main(int argc, char** argv) {
     register_all();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

@@ -4,19 +4,17 @@
 // forth and back, 0.1875 degrees a step: 20 steps to a cell of the position axis. A step takes some passes of twenty
 // lookups each. Beside it the same machine without field, at angles that jump at random.
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <filesystem>
 #include <memory>
 #include <random>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "KZBCalculator/kzbcalc.h"
 #include "bench/reference/wfsm.h"
 #include "bench/reference/wfsm_machine.h"
+#include "bench/step_program.h"
 
 namespace {
 
@@ -74,49 +72,10 @@ const std::vector<Sample>& samples(bool moving) {
     return moving ? along : jumping;
 }
 
-// The machine in memory and in a file that goes away at the end of the program.
-class Machine {
-  public:
-    Machine() {
-        kzb_reference::make_wfsm_machine({}, store_);
-        path_ = std::filesystem::temp_directory_path() / ("kzb_wfsm_step_" + std::to_string(getpid()) + ".kzb");
-        kzb_reference::write_model_file(path_.c_str(), store_);
-    }
-    ~Machine() {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
-    }
-    Machine(const Machine&) = delete;
-    Machine& operator=(const Machine&) = delete;
-    kzb_reference::Store& store() { return store_; }
-    const char* path() const { return path_.c_str(); }
-
-  private:
-    kzb_reference::Store store_;
-    std::filesystem::path path_;
-};
-
-Machine& machine() {
-    static Machine made;
+kzb_bench::Machine& machine() {
+    static kzb_bench::Machine made("wfsm_step",
+                                   [](kzb_reference::Store& store) { kzb_reference::make_wfsm_machine({}, store); });
     return made;
-}
-
-// The highest current tells that the run is one of a loaded machine.
-template <class Step>
-void measure(benchmark::State& state, bool moving, Step step) {
-    const std::vector<Sample>& run = samples(moving);
-    std::size_t next = 0;
-    double time = 0.0;
-    double peak = 0.0;
-    for (auto _ : state) {
-        const double current = step(time, run[next]);
-        peak = std::fmax(peak, std::fabs(current));
-        time += step_width;
-        if (++next == run.size()) {
-            next = 0;
-        }
-    }
-    state.counters["peak_current"] = peak;
 }
 
 void exported_step(benchmark::State& state, bool moving, int scheme) {
@@ -129,7 +88,7 @@ void exported_step(benchmark::State& state, bool moving, int scheme) {
     kzbcalcSetInterpolationType(scheme, handle);
     kzbcalcSetData(handle);
     kzbcalcSetInitialCurrent(4, moving ? field_current : 0.0, handle);
-    measure(state, moving, [handle](double time, const Sample& sample) {
+    kzb_bench::measure(state, samples(moving), step_width, [handle](double time, const Sample& sample) {
         kzbcalcSetTime(time, handle);
         kzbcalcSetDisplacement(sample.displacement_deg, handle);
         for (int k = 0; k < 4; ++k) {
@@ -147,7 +106,7 @@ void reference_step(benchmark::State& state, bool moving, int scheme, kzb_refere
     wfsm.set_interpolation(schemes[scheme]);
     wfsm.set_data();
     wfsm.set_initial_current(4, moving ? field_current : 0.0);
-    measure(state, moving, [&wfsm](double time, const Sample& sample) {
+    kzb_bench::measure(state, samples(moving), step_width, [&wfsm](double time, const Sample& sample) {
         wfsm.set_time(time);
         wfsm.set_displacement(sample.displacement_deg);
         for (int k = 0; k < 4; ++k) {
@@ -161,15 +120,10 @@ void reference_step(benchmark::State& state, bool moving, int scheme, kzb_refere
 }
 
 void register_all() {
-    using namespace kzb_reference;
     for (const bool moving : {true, false}) {
         for (int scheme = 0; scheme < static_cast<int>(std::size(schemes)); ++scheme) {
             const std::string title = std::string(moving ? "step/WFSM/" : "step/WFSM_random/") + schemes[scheme] + '/';
-            benchmark::RegisterBenchmark((title + "exported").c_str(), exported_step, moving, scheme);
-            benchmark::RegisterBenchmark((title + "bare").c_str(), reference_step, moving, scheme,
-                                         static_cast<Lookup>(kzb_get_table_interpolated_value<Bare>));
-            benchmark::RegisterBenchmark((title + "clocks").c_str(), reference_step, moving, scheme,
-                                         static_cast<Lookup>(kzb_get_table_interpolated_value<WithClocks>));
+            kzb_bench::register_ways(title, exported_step, reference_step, moving, scheme);
         }
     }
 }
@@ -178,11 +132,5 @@ void register_all() {
 
 int main(int argc, char** argv) {
     register_all();
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return kzb_bench::run_registered(argc, argv);
 }

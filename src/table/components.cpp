@@ -75,12 +75,14 @@ int table_lookup_components(Scheme scheme, const KZB_TABLE* table, const double*
     if (shared_search(scheme, *table, coordinates, range, results, status, timing, switches)) {
         return status;
     }
+    // Of a table with no axis but that of its components there may be no coordinates at all.
+    const int leading = table->dim - 1;
     if (table->dim <= 8) {
         double point[8];
-        std::copy(coordinates, coordinates + table->dim - 1, point);
+        std::copy_n(coordinates, leading, point);
         return one_by_one(scheme, *table, point, range, results, timing, switches);
     }
-    std::vector<double> point(coordinates, coordinates + table->dim - 1);
+    std::vector<double> point(coordinates, coordinates + leading);
     point.push_back(0.0);
     return one_by_one(scheme, *table, point.data(), range, results, timing, switches);
 }

@@ -4,16 +4,10 @@
 #include <iterator>
 #include <limits>
 
+#include "draw.h"
+
 namespace kzb_bench_test {
 namespace {
-
-int pick(std::mt19937_64& random, int least, int most) {
-    return std::uniform_int_distribution<int>(least, most)(random);
-}
-
-double uniform(std::mt19937_64& random, double least, double most) {
-    return std::uniform_real_distribution<double>(least, most)(random);
-}
 
 double odd_number(std::mt19937_64& random) {
     constexpr double infinity = std::numeric_limits<double>::infinity();

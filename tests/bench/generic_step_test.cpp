@@ -1,53 +1,20 @@
 // Generic models, the machine of three coils and models made at random, under scripts of calls in odd order, against
 // the plain reference, bit for bit: circuit, tables, ports, outputs, losses, pass counts and debug files.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "generic_models.h"
 #include "generic_pair.h"
+#include "support/environment.h"
+#include "support/files.h"
 
 namespace kzb_bench_test {
 namespace {
 
 using kzb_reference::Store;
-
-class Environment {
-  public:
-    Environment(const char* name, const char* value) : name_(name) { setenv(name, value, 1); }
-    ~Environment() { unsetenv(name_); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-  private:
-    const char* name_;
-};
-
-// The working directory is a new one for the life of the object.
-class OwnDirectory {
-  public:
-    OwnDirectory() : before_(std::filesystem::current_path()) {
-        std::string name = (std::filesystem::temp_directory_path() / "kzb_generic_XXXXXX").string();
-        path_ = mkdtemp(name.data());
-        std::filesystem::current_path(path_);
-    }
-    ~OwnDirectory() {
-        std::filesystem::current_path(before_);
-        std::filesystem::remove_all(path_);
-    }
-    OwnDirectory(const OwnDirectory&) = delete;
-    OwnDirectory& operator=(const OwnDirectory&) = delete;
-    const std::filesystem::path& path() const { return path_; }
-
-  private:
-    std::filesystem::path before_;
-    std::filesystem::path path_;
-};
 
 void configure(GenericDice& dice, const GenericShape& shape, GenericPair& pair) {
     if (dice.one_of(2)) {
@@ -171,23 +138,16 @@ TEST_P(GenericRandom, models_agree_to_the_last_bit) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, GenericRandom, testing::Range(0, 12));
 
-std::string text_of(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 constexpr const char* debug_files[] = {"IV", "Axis", "L", "Flux", "Itr", "Itr_L", "Itr_Flux", "Itr_Axis"};
 
 class GenericDebugFiles : public testing::TestWithParam<int> {};
 
 TEST_P(GenericDebugFiles, are_the_same_text) {
-    const Environment debug("DORN_KZ_DEBUG_OUTPUT", "1");
+    const kzb_test::Environment debug("DORN_KZ_DEBUG_OUTPUT", "1");
     GenericDice dice(static_cast<unsigned>(1000000 + GetParam()));
     Store store;
     const GenericShape shape = make_random_generic(dice, store);
-    const OwnDirectory product_directory;
+    const kzb_test::WorkingFolder product_directory;
     {
         // The product's files are made here, the reference's in a directory of their own.
         const std::filesystem::path own = product_directory.path() / "reference";
@@ -200,7 +160,8 @@ TEST_P(GenericDebugFiles, are_the_same_text) {
     for (const char* const name : debug_files) {
         const std::string file = std::string("VEKT_debug_") + name + ".csv";
         ASSERT_TRUE(std::filesystem::exists(product_directory.path() / file)) << file;
-        EXPECT_EQ(text_of(product_directory.path() / file), text_of(product_directory.path() / "reference" / file))
+        EXPECT_EQ(kzb_test::read_file(product_directory.path() / file),
+                  kzb_test::read_file(product_directory.path() / "reference" / file))
             << file << " of seed " << GetParam();
     }
 }
@@ -210,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, GenericDebugFiles, testing::Range(0, 16));
 class GenericSwitches : public testing::TestWithParam<std::pair<const char*, const char*>> {};
 
 TEST_P(GenericSwitches, of_the_environment_act_alike) {
-    const Environment variable(GetParam().first, GetParam().second);
+    const kzb_test::Environment variable(GetParam().first, GetParam().second);
     for (unsigned seed = 2000000; seed < 2000010 && !HasFailure(); ++seed) {
         GenericDice dice(seed);
         Store store;

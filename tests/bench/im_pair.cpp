@@ -3,31 +3,19 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "support/environment.h"
+
 namespace kzb_bench_test {
 
 namespace {
 
 constexpr const char* schemes[] = {"Linear", "Cubic", "Spline4", "Spline6", "Spline"};
 
-// Sets a variable of the environment for a while; null leaves it unset.
-class Environment {
-  public:
-    Environment(const char* name, const char* value) : name_(name) {
-        value == nullptr ? unsetenv(name) : setenv(name, value, 1);
-    }
-    ~Environment() { unsetenv(name_); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-  private:
-    const char* name_;
-};
-
 }  // namespace
 
 ImPair::ImPair(std::unique_ptr<kzb_reference::Store> store, int calc_mode, const char* torque_type)
     : store_(std::move(store)), file_(std::make_unique<ModelFile>(*store_)) {
-    const Environment environment("DORN_KZ_TORQUE_TYPE", torque_type);
+    const kzb_test::Environment environment("DORN_KZ_TORQUE_TYPE", torque_type);
     KZB_CALC* handle = nullptr;
     status_ = file_->written() ? kzbcalcInitialize(file_->path(), calc_mode, &handle) : -1;
     product_.reset(handle);
@@ -65,7 +53,7 @@ void ImPair::set_step_size(double value) {
 }
 
 void ImPair::set_ironloss(bool old_formula) {
-    const Environment environment("DORN_KZ_USE_OLD_IRONLOSS", old_formula ? "1" : nullptr);
+    const kzb_test::Environment environment("DORN_KZ_USE_OLD_IRONLOSS", old_formula ? "1" : nullptr);
     expect_status(kzbcalcSetIronlossCalc(product_.get()), reference_->set_ironloss_calc(old_formula), "iron loss");
 }
 

@@ -3,19 +3,9 @@
 #include <algorithm>
 #include <sstream>
 
+#include "draw.h"
+
 namespace kzb_bench_test {
-
-namespace {
-
-int pick(std::mt19937_64& random, int least, int most) {
-    return std::uniform_int_distribution<int>(least, most)(random);
-}
-
-double uniform(std::mt19937_64& random, double least, double most) {
-    return std::uniform_real_distribution<double>(least, most)(random);
-}
-
-}  // namespace
 
 std::vector<double> RandomTable::make_axis(std::mt19937_64& random, int rows, bool faults) const {
     std::vector<double> axis(static_cast<std::size_t>(rows));

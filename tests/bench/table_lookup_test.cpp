@@ -13,7 +13,7 @@
 namespace kzb_bench_test {
 namespace {
 
-constexpr const char* schemes[] = {"Linear", "Cubic", "Spline4", "Spline6", "Spline"};
+constexpr const char* all_schemes[] = {"Linear", "Cubic", "Spline4", "Spline6", "Spline"};
 constexpr int counters[] = {1, 3, 5};
 
 using ReferenceLookup = int (*)(kzb_reference::Category&, const char*, const double*, double&, double*);
@@ -68,7 +68,7 @@ void expect_equal_lookups(const TableShape& shape, bool generic, int tables, int
         random_table.put(product);
         for (int p = 0; p < points; ++p) {
             const std::vector<double> x = random_table.point(random);
-            for (const char* scheme : schemes) {
+            for (const char* scheme : all_schemes) {
                 double expected = kzb_reference::no_value;
                 double expected_timing[20] = {};
                 const int expected_status =
@@ -120,7 +120,7 @@ TEST(TableLookupAgainstReference, components_agree_with_single_lookups) {
         random_table.put("c", "t", store);
         KZB_TABLE product;
         random_table.put(product);
-        for (const char* scheme : schemes) {
+        for (const char* scheme : all_schemes) {
             std::vector<double> x = random_table.point(random);
             const int count = 1 + t % 9;
             double expected_timing[20] = {};
@@ -185,7 +185,7 @@ TEST(TableLookupAgainstReference, faulty_tables_print_the_same) {
         KZB_TABLE product;
         random_table.put(product);
         const std::vector<double> x = random_table.point(random);
-        for (const char* scheme : schemes) {
+        for (const char* scheme : all_schemes) {
             double expected = kzb_reference::no_value;
             double actual = kzb::KZB_NO_VALUE;
             double timing[20] = {};

@@ -14,28 +14,17 @@
 #include "interface/kzbcalc_handle.h"
 #include "model_file.h"
 #include "same_bits.h"
+#include "support/environment.h"
 
 namespace kzb_bench_test {
-
-// An environment variable for the life of the object.
-class WfsmEnvironment {
-  public:
-    WfsmEnvironment(const char* name, const std::string& value) : name_(name) { setenv(name, value.c_str(), 1); }
-    ~WfsmEnvironment() { unsetenv(name_); }
-    WfsmEnvironment(const WfsmEnvironment&) = delete;
-    WfsmEnvironment& operator=(const WfsmEnvironment&) = delete;
-
-  private:
-    const char* name_;
-};
 
 class WfsmPair {
   public:
     WfsmPair(kzb_reference::Store& store, int calc_mode, const kzb_reference::WfsmIteration& iteration = {})
         : store_(store), file_(store) {
-        const WfsmEnvironment a("DORN_KZ_DEBUG_ITR", text(iteration.tolerance));
-        const WfsmEnvironment b("DORN_KZ_DEBUG_NITR", std::to_string(iteration.max_iterations));
-        const WfsmEnvironment c("DORN_KZ_DEBUG_ACCEL", text(iteration.acceleration));
+        const kzb_test::Environment a("DORN_KZ_DEBUG_ITR", text(iteration.tolerance).c_str());
+        const kzb_test::Environment b("DORN_KZ_DEBUG_NITR", std::to_string(iteration.max_iterations).c_str());
+        const kzb_test::Environment c("DORN_KZ_DEBUG_ACCEL", text(iteration.acceleration).c_str());
         KZB_CALC* handle = nullptr;
         status_ = file_.written() ? kzbcalcInitialize(file_.path(), calc_mode, &handle) : -1;
         product_.reset(handle);

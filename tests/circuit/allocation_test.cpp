@@ -1,31 +1,13 @@
 // A solve, and building the same pattern anew, take nothing from the heap.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
 #include "circuit/winding_network.h"
 #include "circuit/winding_solver.h"
+#include "support/heap_count.h"
 
 namespace {
-std::size_t allocations = 0;
-}
 
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* const p = std::malloc(size == 0 ? 1 : size)) {
-        return p;
-    }
-    throw std::bad_alloc();
-}
-void operator delete(void* p) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-    std::free(p);
-}
-
-namespace {
+using kzb_test::allocations;
 
 TEST(WindingSolver, solve_allocates_nothing) {
     kzb::WindingNetwork network;

@@ -1,10 +1,6 @@
 #include "faults/models.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "faults/quiet.h"
@@ -12,37 +8,6 @@
 #include "interface/measured_text.h"
 
 namespace kzb_test {
-
-Folder::Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "kzb-faults-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no folder for the test");
-    }
-    path_ = name + '/';
-}
-
-Folder::~Folder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::vector<std::string> Folder::names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void write_file(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
 
 void fill_rotary(ModelFile& file) {
     const Point angles = every(60.0, 0.0, 180.0);

@@ -6,25 +6,9 @@
 #include "KZBCalculator/kzb_store.h"
 #include "faults/calls.h"
 #include "interface/model_file.h"
+#include "support/files.h"
 
 namespace kzb_test {
-
-// An empty folder that goes away with its object; its name ends in a slash.
-class Folder {
-  public:
-    Folder();
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    std::string operator/(const std::string& name) const { return path_ + name; }
-    std::vector<std::string> names() const;  // of all files, sorted
-
-  private:
-    std::string path_;
-};
-
-std::string read_file(const std::string& path);
-void write_file(const std::string& path, const std::string& content);
 
 // Permanent-magnet machine that offers every application of its type, with the transformed tables, losses and a title.
 void fill_rotary(ModelFile& file);

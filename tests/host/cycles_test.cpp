@@ -10,6 +10,7 @@
 #include "host/host_process.h"
 #include "interface/machine_sample.h"
 #include "interface/machines.h"
+#include "support/files.h"
 
 namespace kzb_test {
 namespace {

@@ -9,12 +9,13 @@
 #include "host/host_process.h"
 #include "interface/message_table.h"
 #include "interface/status.h"
+#include "support/files.h"
 
 namespace kzb_test {
 namespace {
 
 const std::string& page() {
-    static const std::string text = contents(KZB_SOURCE_DIR "/docs/errors.md");
+    static const std::string text = read_file(KZB_SOURCE_DIR "/docs/errors.md");
     return text;
 }
 

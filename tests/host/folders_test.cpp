@@ -7,6 +7,8 @@
 #include "KZBCalculator/kzb_store.h"
 #include "host/host_process.h"
 #include "same_bits/runs.h"
+#include "support/environment.h"
+#include "support/files.h"
 
 namespace kzb_test {
 namespace {
@@ -21,9 +23,9 @@ bool give_up_rights() {
 
 // A run with every file that the environment can ask for.
 int run_with_all_files(const MachineRun& run, const char* path, const Bits& expected) {
-    const Variable debug("DORN_KZ_DEBUG_OUTPUT", "1");
-    const Variable time("KZB_OUTPUT_ELAPSED_TIME", "1");
-    const Variable lookups("KZBFILEHANDLER_DEBUG_MODE", "1");
+    const Environment debug("DORN_KZ_DEBUG_OUTPUT", "1");
+    const Environment time("KZB_OUTPUT_ELAPSED_TIME", "1");
+    const Environment lookups("KZBFILEHANDLER_DEBUG_MODE", "1");
     return results_of(run, path, samples) == expected ? 0 : 1;
 }
 
@@ -57,7 +59,7 @@ TEST(Folders, read_only_working_directory_harms_no_run) {
                   }),
                   0)
             << name;
-        EXPECT_EQ(contents(folder.path() / "older.kzb"), "older");
+        EXPECT_EQ(read_file(folder.path() / "older.kzb"), "older");
         EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
     }
 }
@@ -97,12 +99,12 @@ TEST(Folders, path_may_hold_blanks_and_foreign_letters) {
         kzb_writer(again.c_str(), store);
         kzb_finish(store);
         EXPECT_EQ(results_of(run, again.c_str(), samples), expected);
-        EXPECT_EQ(contents(place / "information ö.xml") != "", generic);
+        EXPECT_EQ(read_file(place / "information ö.xml") != "", generic);
         // The report of the statistics names the file as it is called.
         const WorkingIn working(place);
-        const Variable time("KZB_OUTPUT_ELAPSED_TIME", "1");
+        const Environment time("KZB_OUTPUT_ELAPSED_TIME", "1");
         results_of(run, copy.c_str(), 1);
-        EXPECT_NE(contents("KZBtime.txt").find("*** " + copy + " ***"), std::string::npos);
+        EXPECT_NE(read_file("KZBtime.txt").find("*** " + copy + " ***"), std::string::npos);
     }
 }
 

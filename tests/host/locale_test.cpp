@@ -14,6 +14,8 @@
 #include "KZBCalculator/kzb_store.h"
 #include "host/host_process.h"
 #include "same_bits/runs.h"
+#include "support/environment.h"
+#include "support/files.h"
 
 namespace kzb_test {
 namespace {
@@ -25,9 +27,9 @@ std::string texts(const MachineRun& run, const char* path) {
     const Folder folder;
     const WorkingIn place(folder.path());
     {
-        const Variable debug("DORN_KZ_DEBUG_OUTPUT", "1");
-        const Variable lookups("KZBFILEHANDLER_DEBUG_MODE", "1");
-        const Variable iteration("DORN_KZ_DEBUG_ITR", "2.5e-7");
+        const Environment debug("DORN_KZ_DEBUG_OUTPUT", "1");
+        const Environment lookups("KZBFILEHANDLER_DEBUG_MODE", "1");
+        const Environment iteration("DORN_KZ_DEBUG_ITR", "2.5e-7");
         results_of(run, path, 3);
     }
     KZB_STORE* store = nullptr;
@@ -42,7 +44,7 @@ std::string texts(const MachineRun& run, const char* path) {
     }
     std::sort(files.begin(), files.end());
     for (const auto& file : files) {
-        all += file.filename().string() + '\n' + contents(file);
+        all += file.filename().string() + '\n' + read_file(file);
     }
     return all;
 }

@@ -6,6 +6,8 @@
 #include "KZBCalculator/kzb_store.h"
 #include "host/host_process.h"
 #include "same_bits/runs.h"
+#include "support/environment.h"
+#include "support/files.h"
 
 namespace kzb_test {
 namespace {
@@ -71,8 +73,8 @@ TEST(ClosedStreams, written_file_holds_nothing_that_was_printed) {
                   return streams_are_closed() ? 0 : 1;
               }),
               0);
-    EXPECT_GT(contents(open).size(), 100000U);
-    EXPECT_TRUE(contents(open) == contents(closed));
+    EXPECT_GT(read_file(open).size(), 100000U);
+    EXPECT_TRUE(read_file(open) == read_file(closed));
 }
 
 TEST(ClosedStreams, debug_files_hold_nothing_that_was_printed) {
@@ -85,7 +87,7 @@ TEST(ClosedStreams, debug_files_hold_nothing_that_was_printed) {
                 close_streams();
             }
             const WorkingIn place(folder.path());
-            const Variable debug("DORN_KZ_DEBUG_OUTPUT", "1");
+            const Environment debug("DORN_KZ_DEBUG_OUTPUT", "1");
             KZB_CALC* calc = nullptr;
             Bits bits;
             kzbcalcInitialize(file.path(), 1, &calc);
@@ -103,7 +105,7 @@ TEST(ClosedStreams, debug_files_hold_nothing_that_was_printed) {
         EXPECT_EQ(result, 0);
         std::string all;
         for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-            all += contents(entry.path());
+            all += read_file(entry.path());
         }
         return all;
     };

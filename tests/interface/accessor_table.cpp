@@ -11,9 +11,9 @@ const double infinity = std::numeric_limits<double>::infinity();
 // Fails no comparison, so that no test of a value refuses it.
 const double nan = std::numeric_limits<double>::quiet_NaN();
 const List positive{1.0, 2.5, 1e-300, infinity, nan};
-const List zero_and_below{0.0, -0.0, -1e-300, -3.0, -infinity};
+const List zero_and_negatives{0.0, -0.0, -1e-300, -3.0, -infinity};
 const List from_zero{0.0, -0.0, 1e-300, 293.15, 4000.0, nan};
-const List below_zero{-1e-300, -1.0, -infinity};
+const List negatives{-1e-300, -1.0, -infinity};
 const List any{0.0, -1.0, 300.0, infinity, nan};
 const List none{};
 const List coefficients{-100.0, -0.11, 0.0, -0.0, nan};
@@ -33,25 +33,25 @@ constexpr Types numbered = every_type & ~generic;  // types with numbered phases
 
 // Static order: the lists above are of this file and stand before the tables.
 const std::vector<ValueCall> value_calls = {
-    {KZB_CALL(kzbcalcSetCorrectionOfFlux), positive, zero_and_below, 180017, no_field | wound_field, no_type},
-    {KZB_CALL(kzbcalcSetCorrectionOfFieldFlux), positive, zero_and_below, 180017, wound_field, no_type},
-    {KZB_CALL(kzbcalcSetCorrectionOfMagnet), positive, zero_and_below, 180020, no_field, no_type},
-    {KZB_CALL(kzbcalcSetCorrectionOfSteel), positive, zero_and_below, 180021, no_field | wound_field, generic},
-    {KZB_CALL(kzbcalcSetCorrectionOfInductance), positive, zero_and_below, 180018, no_field, no_type},
-    {KZB_CALL(kzbcalcSetCorrectionOfTorque), positive, zero_and_below, 180019, corrected_torque, generic},
-    {KZB_CALL(kzbcalcSetCorrectionOfForce), positive, zero_and_below, 180033, with_force, ~with_force},
-    {KZB_CALL(kzbcalcSetCorrectionOfCoilTurn1), from_zero, below_zero, 180016, no_field, no_type},
-    {KZB_CALL(kzbcalcSetCorrectionOfCoilTurn2), from_zero, below_zero, 180016, no_field | wound_field, no_type},
-    {KZB_CALL(kzbcalcSetCorrectionOfFieldCoilTurn2), from_zero, below_zero, 180016, wound_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfFlux), positive, zero_and_negatives, 180017, no_field | wound_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfFieldFlux), positive, zero_and_negatives, 180017, wound_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfMagnet), positive, zero_and_negatives, 180020, no_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfSteel), positive, zero_and_negatives, 180021, no_field | wound_field, generic},
+    {KZB_CALL(kzbcalcSetCorrectionOfInductance), positive, zero_and_negatives, 180018, no_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfTorque), positive, zero_and_negatives, 180019, corrected_torque, generic},
+    {KZB_CALL(kzbcalcSetCorrectionOfForce), positive, zero_and_negatives, 180033, with_force, ~with_force},
+    {KZB_CALL(kzbcalcSetCorrectionOfCoilTurn1), from_zero, negatives, 180016, no_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfCoilTurn2), from_zero, negatives, 180016, no_field | wound_field, no_type},
+    {KZB_CALL(kzbcalcSetCorrectionOfFieldCoilTurn2), from_zero, negatives, 180016, wound_field, no_type},
     {KZB_CALL(kzbcalcSetInitialDisplacement), any, none, 0, numbered, generic},
-    {KZB_CALL(kzbcalcSetInitialTime), from_zero, below_zero, 180032, numbered, no_type},
-    {KZB_CALL(kzbcalcSetResistance), positive, zero_and_below, 180041, numbered, no_type},
-    {KZB_CALL(kzbcalcSetFieldCoilResistance), positive, zero_and_below, 180041, wound_field, no_type},
-    {KZB_CALL(kzbcalcSetSecondaryResistance), positive, zero_and_below, 180042, induction, no_type},
-    {KZB_CALL(kzbcalcSetTime), from_zero, below_zero, 180032, every_type, no_type},
+    {KZB_CALL(kzbcalcSetInitialTime), from_zero, negatives, 180032, numbered, no_type},
+    {KZB_CALL(kzbcalcSetResistance), positive, zero_and_negatives, 180041, numbered, no_type},
+    {KZB_CALL(kzbcalcSetFieldCoilResistance), positive, zero_and_negatives, 180041, wound_field, no_type},
+    {KZB_CALL(kzbcalcSetSecondaryResistance), positive, zero_and_negatives, 180042, induction, no_type},
+    {KZB_CALL(kzbcalcSetTime), from_zero, negatives, 180032, every_type, no_type},
     {KZB_CALL(kzbcalcSetDisplacement), any, none, 0, numbered, generic},
     {KZB_CALL(kzbcalcSetPWMFreq), any, none, 0, every_type, no_type},
-    {KZB_CALL(kzbcalcSetStepSize), from_zero, below_zero, 180062, induction, ~induction},
+    {KZB_CALL(kzbcalcSetStepSize), from_zero, negatives, 180062, induction, ~induction},
     // Refused whatever the value is: no loss that depends on the supply is in use, no data for a slip frequency.
     {KZB_CALL(kzbcalcSetDCVoltage), none, any, 180064, no_type, ~with_supply},
     {KZB_CALL(kzbcalcSetCarrierFrequency), none, any, 180064, no_type, ~with_supply},
@@ -63,11 +63,11 @@ namespace {
 constexpr Types with_coil = permanent_magnet | stepping | solenoid | reluctance | induction | wound_field;
 
 TemperatureCall temperature(const char* name, int (*set)(double, KZB_CALC*), double (*get)(KZB_CALC*), Types types) {
-    return {{name, set, from_zero, below_zero, 180043, types, no_type}, get, types, no_type, no_type};
+    return {{name, set, from_zero, negatives, 180043, types, no_type}, get, types, no_type, no_type};
 }
 
 TemperatureCall coefficient(const char* name, int (*set)(double, KZB_CALC*), double (*get)(KZB_CALC*), Types types) {
-    return {{name, set, from_zero, below_zero, 180044, types, no_type}, get, types, no_type, no_type};
+    return {{name, set, from_zero, negatives, 180044, types, no_type}, get, types, no_type, no_type};
 }
 
 // The getters of the coil answer for types that the setters refuse.

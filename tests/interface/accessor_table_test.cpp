@@ -5,9 +5,8 @@
 
 #include <string>
 
+namespace kzb_test::accessor_table_test {
 namespace {
-
-using namespace kzb_test;
 
 class AccessorTable : public testing::TestWithParam<Machine> {
   protected:
@@ -202,3 +201,4 @@ TEST_P(AccessorTable, number_of_phases_is_told_by_reluctance_machines_alone) {
 }
 
 }  // namespace
+}  // namespace kzb_test::accessor_table_test

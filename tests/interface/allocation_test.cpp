@@ -6,9 +6,8 @@
 #include "interface/machines.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::allocation_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr int most_phases = 5;  // a getter of a phase that a machine lacks answers with a status
 
@@ -142,3 +141,4 @@ TEST(Allocation, sample_of_a_wound_field_machine_with_iron_loss_allocates_nothin
 }
 
 }  // namespace
+}  // namespace kzb_test::allocation_test

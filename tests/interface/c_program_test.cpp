@@ -7,6 +7,7 @@
 
 extern "C" int c_program(const char* path);
 
+namespace kzb_test::c_program_test {
 namespace {
 
 TEST(CProgram, whole_run_gives_the_current_of_a_hand_calculation) {
@@ -16,3 +17,4 @@ TEST(CProgram, whole_run_gives_the_current_of_a_hand_calculation) {
 }
 
 }  // namespace
+}  // namespace kzb_test::c_program_test

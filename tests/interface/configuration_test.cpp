@@ -5,9 +5,8 @@
 
 #include "interface/model_file.h"
 
+namespace kzb_test::configuration_test {
 namespace {
-
-using namespace kzb_test;
 
 struct Rotary : ModelFile {
     explicit Rotary(int accuracy = 1) {
@@ -307,3 +306,4 @@ TEST(Configuration, user_specified_parameters_are_counted_and_read) {
 }
 
 }  // namespace
+}  // namespace kzb_test::configuration_test

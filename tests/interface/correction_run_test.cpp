@@ -8,9 +8,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::correction_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double turns_in_coil = 10.0;
 
@@ -199,3 +198,4 @@ TEST(InductionCorrection, corrections_of_the_file_reach_no_equation) {
 }
 
 }  // namespace
+}  // namespace kzb_test::correction_run_test

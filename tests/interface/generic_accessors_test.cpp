@@ -10,9 +10,8 @@
 #include "interface/generic_machine.h"
 #include "interface/machines.h"
 
+namespace kzb_test::generic_accessors_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr int no_ids[] = {0, -1, 99, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
 const double infinity = std::numeric_limits<double>::infinity();
@@ -273,3 +272,4 @@ TEST(GenericAccessors, limit_of_a_linear_motion_is_as_in_the_file) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_accessors_test

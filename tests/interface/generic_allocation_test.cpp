@@ -9,9 +9,8 @@
 #include "interface/generic_machine.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::generic_allocation_test {
 namespace {
-
-using namespace kzb_test;
 
 // One sample through the calls by id and those of arrays, every getter included.
 double run_generic_sample(KZB_CALC* calc, int k) {
@@ -186,3 +185,4 @@ TEST(Allocation, settings_of_a_generic_model_allocate_nothing) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_allocation_test

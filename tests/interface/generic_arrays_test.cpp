@@ -7,9 +7,9 @@
 
 #include <cmath>
 
+namespace kzb_test::generic_arrays_test {
 namespace {
 
-using namespace kzb_test;
 using testing::Each;
 using testing::ElementsAre;
 
@@ -191,3 +191,4 @@ TEST_F(GenericArrays, source_types_count_from_1_and_are_set_even_when_table_valu
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_arrays_test

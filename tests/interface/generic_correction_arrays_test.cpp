@@ -5,9 +5,9 @@
 
 #include "interface/generic_arrays.h"
 
+namespace kzb_test::generic_correction_arrays_test {
 namespace {
 
-using namespace kzb_test;
 using testing::ElementsAre;
 
 class GenericCorrections : public GenericArrays {
@@ -114,3 +114,4 @@ TEST_F(GenericCorrections, user_factors_reach_as_far_as_there_are_user_inputs) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_correction_arrays_test

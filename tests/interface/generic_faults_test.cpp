@@ -7,9 +7,8 @@
 #include "interface/generic_accessors.h"
 #include "interface/generic_machine.h"
 
+namespace kzb_test::generic_faults_test {
 namespace {
-
-using namespace kzb_test;
 
 struct Fault {
     const char* what;
@@ -277,3 +276,4 @@ TEST(GenericFault, file_without_the_application_opens) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_faults_test

@@ -4,9 +4,9 @@
 
 #include "interface/generic_arrays.h"
 
+namespace kzb_test::generic_initial_arrays_test {
 namespace {
 
-using namespace kzb_test;
 using testing::Each;
 using testing::ElementsAre;
 
@@ -85,3 +85,4 @@ TEST_F(GenericInitialValues, each_kind_of_motion_takes_from_its_own_array) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_initial_arrays_test

@@ -7,9 +7,8 @@
 #include "interface/generic_machine.h"
 #include "interface/measured_text.h"
 
+namespace kzb_test::generic_iron_loss_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 
@@ -181,3 +180,4 @@ TEST(GenericIronLossFile, axis_takes_the_user_input_that_names_it) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_iron_loss_test

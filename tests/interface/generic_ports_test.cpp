@@ -8,9 +8,9 @@
 #include "interface/generic_machine.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::generic_ports_test {
 namespace {
 
-using namespace kzb_test;
 using testing::ElementsAre;
 
 constexpr std::size_t label_size = 128;
@@ -181,3 +181,4 @@ TEST(GenericPorts, machines_of_fixed_ports_count_an_unusable_number) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_ports_test

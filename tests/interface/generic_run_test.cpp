@@ -11,9 +11,8 @@
 #include "interface/generic_accessors.h"
 #include "interface/generic_machine.h"
 
+namespace kzb_test::generic_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 
@@ -371,3 +370,4 @@ TEST(GenericRun, extreme_values_are_survived) {
 }
 
 }  // namespace
+}  // namespace kzb_test::generic_run_test

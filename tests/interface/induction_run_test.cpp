@@ -4,9 +4,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::induction_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 // Of the file: L11 = L22, M, R1, R2; two pole pairs.
@@ -392,3 +391,4 @@ TEST(InductionRun, voltage_outside_the_phases_is_zero_but_the_induced_one_refuse
 }
 
 }  // namespace
+}  // namespace kzb_test::induction_run_test

@@ -9,9 +9,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::input_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 constexpr double l = 2e-3;
@@ -250,3 +249,4 @@ TEST_P(RefusedCalls, change_nothing_in_the_run) {
 }
 
 }  // namespace
+}  // namespace kzb_test::input_run_test

@@ -6,9 +6,8 @@
 
 #include "interface/model_file.h"
 
+namespace kzb_test::legacy_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 0x1p-13;  // s
 
@@ -170,3 +169,4 @@ TEST(LegacyRun, selection_of_the_application_has_nothing_to_load) {
 }
 
 }  // namespace
+}  // namespace kzb_test::legacy_run_test

@@ -7,9 +7,8 @@
 
 #include "interface/model_file.h"
 
+namespace kzb_test::lifecycle_test {
 namespace {
-
-using namespace kzb_test;
 
 TEST(Lifecycle, good_file_opens_and_terminates_with_zero) {
     ModelFile file;
@@ -226,3 +225,4 @@ TEST(Lifecycle, file_without_temperatures_starts_from_the_defaults) {
 }
 
 }  // namespace
+}  // namespace kzb_test::lifecycle_test

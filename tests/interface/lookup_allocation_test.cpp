@@ -7,9 +7,8 @@
 #include "interface/allocation_counter.h"
 #include "interface/model_file.h"
 
+namespace kzb_test::lookup_allocation_test {
 namespace {
-
-using namespace kzb_test;
 
 const std::vector<const char*> all_schemes{"Linear", "Cubic", "Spline4", "Spline6", "Spline"};
 
@@ -125,3 +124,4 @@ TEST(LookupAllocation, straight_functions_of_many_axes_are_met) {
 }
 
 }  // namespace
+}  // namespace kzb_test::lookup_allocation_test

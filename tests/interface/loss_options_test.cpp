@@ -7,9 +7,8 @@
 
 #include "interface/model_file.h"
 
+namespace kzb_test::loss_options_test {
 namespace {
-
-using namespace kzb_test;
 
 struct Rotary : ModelFile {
     explicit Rotary(int accuracy = 1) {
@@ -193,3 +192,4 @@ TEST(LossOptions, user_copper_loss_adds_to_the_resistance) {
 }
 
 }  // namespace
+}  // namespace kzb_test::loss_options_test

@@ -12,9 +12,8 @@
 #include "interface/measured_text.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::measured_machines_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 0x1p-13;  // s
 constexpr int samples = 30;
@@ -246,3 +245,4 @@ TEST(MeasuredMachinesRun, an_iron_loss_table_brakes_an_induction_machine) {
 }
 
 }  // namespace
+}  // namespace kzb_test::measured_machines_run_test

@@ -16,9 +16,9 @@
 
 #include "interface/measured_text.h"
 
+namespace kzb_test::measured_run_test {
 namespace {
 
-using namespace kzb_test;
 using Phases = std::array<double, 3>;
 
 constexpr double third = 2.0 * std::numbers::pi / 3.0;
@@ -283,3 +283,4 @@ TEST(MeasuredRun, an_equivalent_resistance_table_adds_to_the_resistance) {
 }
 
 }  // namespace
+}  // namespace kzb_test::measured_run_test

@@ -6,9 +6,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::option_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 
@@ -221,3 +220,4 @@ TEST(LossesInUse, wound_field_machine_filters_its_voltages_for_the_iron_loss_onc
 }
 
 }  // namespace
+}  // namespace kzb_test::option_run_test

@@ -16,9 +16,9 @@
 
 #include "interface/model_file.h"
 
+namespace kzb_test::pmsm_run_test {
 namespace {
 
-using namespace kzb_test;
 using Phases = std::array<double, 3>;
 
 constexpr double third = 2.0 * std::numbers::pi / 3.0;
@@ -402,3 +402,4 @@ TEST(PmsmRun, current_driven_torque_is_evaluated_from_the_currents) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_run_test

@@ -4,9 +4,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::reluctance_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 constexpr double inductance = 2e-3;
@@ -155,3 +154,4 @@ TEST_P(ReluctanceRun, coil_temperature_scales_the_resistance) {
 }
 
 }  // namespace
+}  // namespace kzb_test::reluctance_run_test

@@ -4,9 +4,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::solenoid_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 constexpr double inductance = 2e-3;
@@ -121,3 +120,4 @@ TEST(SolenoidRun, magnet_temperature_scales_the_flux) {
 }
 
 }  // namespace
+}  // namespace kzb_test::solenoid_run_test

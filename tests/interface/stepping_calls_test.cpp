@@ -7,9 +7,8 @@
 
 #include "interface/model_file.h"
 
+namespace kzb_test::stepping_calls_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
@@ -277,3 +276,4 @@ TEST(SteppingCalls, data_may_be_set_again) {
 }
 
 }  // namespace
+}  // namespace kzb_test::stepping_calls_test

@@ -4,9 +4,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::stepping_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 constexpr double inductance = 2e-3;
@@ -99,3 +98,4 @@ TEST(SteppingRun, corrections_of_the_file_do_not_start_the_model) {
 }
 
 }  // namespace
+}  // namespace kzb_test::stepping_run_test

@@ -7,9 +7,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::temperature_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 constexpr double l = 2e-3;
@@ -205,3 +204,4 @@ TEST(MagnetTemperature, permanent_magnet_machine_loses_torque) {
 }
 
 }  // namespace
+}  // namespace kzb_test::temperature_run_test

@@ -9,9 +9,8 @@
 #include "interface/machines.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::unusable_handle_test {
 namespace {
-
-using namespace kzb_test;
 
 // The calls that look at nothing but the model.
 void expect_refused(KZB_CALC* handle) {
@@ -195,3 +194,4 @@ TEST_P(EveryMotorType, two_handles_are_independent) {
 }
 
 }  // namespace
+}  // namespace kzb_test::unusable_handle_test

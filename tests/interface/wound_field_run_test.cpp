@@ -4,9 +4,8 @@
 #include "interface/machine_sample.h"
 #include "interface/other_machines.h"
 
+namespace kzb_test::wound_field_run_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double h = 1e-3;
 constexpr double field = 0.1;  // Vs per A of the field coil
@@ -209,3 +208,4 @@ TEST(WoundFieldRun, initial_current_of_the_field_is_where_the_run_starts) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wound_field_run_test

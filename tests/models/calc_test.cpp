@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace kzb_test::calc_test {
 namespace {
 
 class Plain : public kzb::Calc {
@@ -63,3 +64,4 @@ TEST(calc, has_no_messages_of_its_own) {
 }
 
 }  // namespace
+}  // namespace kzb_test::calc_test

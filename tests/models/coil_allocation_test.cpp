@@ -1,10 +1,9 @@
 // A step of the machines of separate coils takes nothing from the heap once the first samples have been made.
 #include "coil_files.h"
-#include "heap_count.h"
+#include "support/heap_count.h"
 
+namespace kzb_test::coil_allocation_test {
 namespace {
-
-using namespace kzb_test;
 
 // Allocations of 16 steps behind the first four; `step` gets the number of the sample.
 std::size_t allocations_of(const std::function<void(int)>& step) {
@@ -55,3 +54,4 @@ TEST(coil_allocation, steps_take_nothing_from_the_heap) {
 }
 
 }  // namespace
+}  // namespace kzb_test::coil_allocation_test

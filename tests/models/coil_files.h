@@ -17,6 +17,7 @@
 #include "models/calc_eq_solenoid.h"
 #include "models/calc_eq_sr.h"
 #include "pmsm_files.h"
+#include "support/files.h"
 
 namespace kzb_test {
 
@@ -136,17 +137,6 @@ inline std::string printed(const char* format, double value) {
 // A directory of its own as the current one.
 class OwnDirectory : public ::testing::Test {
   protected:
-    void SetUp() override {
-        before_ = std::filesystem::current_path();
-        char name[] = "/tmp/kzb_coils_XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        directory_ = name;
-        std::filesystem::current_path(directory_);
-    }
-    void TearDown() override {
-        std::filesystem::current_path(before_);
-        std::filesystem::remove_all(directory_);
-    }
     // "key method" of every lookup since the last call, each with its coordinates.
     struct Lookup {
         std::string name;
@@ -173,8 +163,7 @@ class OwnDirectory : public ::testing::Test {
     }
 
   private:
-    std::filesystem::path before_;
-    std::filesystem::path directory_;
+    WorkingFolder folder_;
 };
 
 // Numbers that no machine should see.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace kzb_test::control_record_test {
 namespace {
 
 TEST(control_record, without_keys_takes_the_defaults) {
@@ -90,3 +91,4 @@ TEST(control_record, an_integer_under_a_key_of_doubles_reads_as_zero) {
 }
 
 }  // namespace
+}  // namespace kzb_test::control_record_test

@@ -1,12 +1,11 @@
 // A step of the induction model takes nothing from the heap once the first samples have been made.
 #include <gtest/gtest.h>
 
-#include "heap_count.h"
 #include "im_files.h"
+#include "support/heap_count.h"
 
+namespace kzb_test::im_allocation_test {
 namespace {
-
-using namespace kzb_test;
 
 void put_losses(KZB_STORE& store) {
     const std::vector<Axis> axes(5, nodes(0.0, 20000.0, 4));
@@ -46,3 +45,4 @@ TEST(im_allocation, steps_take_nothing_from_the_heap) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_allocation_test

@@ -3,9 +3,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_bind_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr const char* tables_category = "InductionParam_HigherAccuracy";
 
@@ -250,3 +249,4 @@ TEST(im_bind, defaults_are_those_of_a_machine_without_a_file) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_bind_test

@@ -3,9 +3,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_current_step_test {
 namespace {
-
-using namespace kzb_test;
 
 void asymmetric(KZB_STORE& store, double move = 0.0) {
     im_fill(store, "L11_table", 0.125);
@@ -138,3 +137,4 @@ TEST(im_current_step, a_sample_gives_the_torque_of_its_currents) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_current_step_test

@@ -8,33 +8,17 @@
 #include <sstream>
 
 #include "im_files.h"
+#include "support/files.h"
 
+namespace kzb_test::im_debug_test {
 namespace {
 
-using namespace kzb_test;
 namespace fs = std::filesystem;
 
 // A directory of its own as the current one.
 class ImDebugFiles : public ::testing::Test {
   protected:
-    void SetUp() override {
-        before_ = fs::current_path();
-        char name[] = "/tmp/kzb_im_debug_XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        directory_ = name;
-        fs::current_path(directory_);
-    }
-    void TearDown() override {
-        unsetenv("DORN_KZ_DEBUG_OUTPUT");
-        fs::current_path(before_);
-        fs::remove_all(directory_);
-    }
-    static std::string text_of(const char* name) {
-        std::ifstream file(name, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
+    void TearDown() override { unsetenv("DORN_KZ_DEBUG_OUTPUT"); }
     static std::string fields(const char* format, const char* separator, const std::vector<double>& values) {
         std::string line;
         for (const double value : values) {
@@ -49,8 +33,7 @@ class ImDebugFiles : public ::testing::Test {
     }
 
   private:
-    fs::path before_;
-    fs::path directory_;
+    WorkingFolder folder_;
 };
 
 const char* const iv_header = "Time, SlipFreq, Theta, Vu, Vv, Vw, Iu_s, Iv_s, Iw_s, Iu_r, Iv_r, Iw_r\n";
@@ -74,12 +57,12 @@ TEST_F(ImDebugFiles, only_the_value_1_makes_them) {
 TEST_F(ImDebugFiles, headers_stand_from_construction_on) {
     setenv("DORN_KZ_DEBUG_OUTPUT", "1", 1);
     { const Calc_Eq_im_transient model; }
-    EXPECT_EQ(text_of("VEKT_debug_IV.csv"), iv_header);
-    EXPECT_EQ(text_of("VEKT_debug_L.csv"), l_header);
-    EXPECT_EQ(text_of("VEKT_debug_R.csv"), r_header);
-    EXPECT_EQ(text_of("VEKT_debug_TEq.csv"), teq_header);
-    EXPECT_EQ(text_of("VEKT_debug_Deriv.csv"), deriv_header);
-    EXPECT_EQ(text_of("VEKT_debug_DerivI.csv"), derivi_header);
+    EXPECT_EQ(read_file("VEKT_debug_IV.csv"), iv_header);
+    EXPECT_EQ(read_file("VEKT_debug_L.csv"), l_header);
+    EXPECT_EQ(read_file("VEKT_debug_R.csv"), r_header);
+    EXPECT_EQ(read_file("VEKT_debug_TEq.csv"), teq_header);
+    EXPECT_EQ(read_file("VEKT_debug_Deriv.csv"), deriv_header);
+    EXPECT_EQ(read_file("VEKT_debug_DerivI.csv"), derivi_header);
 }
 
 TEST_F(ImDebugFiles, a_voltage_driven_step_writes_a_row_each) {
@@ -114,11 +97,11 @@ TEST_F(ImDebugFiles, a_voltage_driven_step_writes_a_row_each) {
             {3e-3, 2.0, 0.4, 0.0, 0.0, 0.0, model.current_output(1), model.current_output(2), model.current_output(3),
              model.current_output(4), model.current_output(5), model.current_output(6)});
     }
-    EXPECT_EQ(text_of("VEKT_debug_IV.csv"), iv);
-    EXPECT_EQ(text_of("VEKT_debug_L.csv").substr(0, l.size()), l);
-    EXPECT_EQ(text_of("VEKT_debug_R.csv").substr(0, r.size()), r);
-    EXPECT_EQ(text_of("VEKT_debug_TEq.csv"), teq_header);
-    EXPECT_EQ(text_of("VEKT_debug_Deriv.csv"), deriv_header);
+    EXPECT_EQ(read_file("VEKT_debug_IV.csv"), iv);
+    EXPECT_EQ(read_file("VEKT_debug_L.csv").substr(0, l.size()), l);
+    EXPECT_EQ(read_file("VEKT_debug_R.csv").substr(0, r.size()), r);
+    EXPECT_EQ(read_file("VEKT_debug_TEq.csv"), teq_header);
+    EXPECT_EQ(read_file("VEKT_debug_Deriv.csv"), deriv_header);
 }
 
 TEST_F(ImDebugFiles, derivatives_write_their_own_rows) {
@@ -153,9 +136,9 @@ TEST_F(ImDebugFiles, derivatives_write_their_own_rows) {
         derivi += fields("%10.5e", ",",
                          {1.0, 0.5, 0.375, 0.125, 0.09375, 0.078125, 0.140625, c.alpha, c.beta, 0.5, 0.25, 0.0});
     }
-    EXPECT_EQ(text_of("VEKT_debug_Deriv.csv"), deriv);
-    EXPECT_EQ(text_of("VEKT_debug_DerivI.csv"), derivi);
-    EXPECT_EQ(text_of("VEKT_debug_IV.csv"), iv);
+    EXPECT_EQ(read_file("VEKT_debug_Deriv.csv"), deriv);
+    EXPECT_EQ(read_file("VEKT_debug_DerivI.csv"), derivi);
+    EXPECT_EQ(read_file("VEKT_debug_IV.csv"), iv);
 }
 
 TEST_F(ImDebugFiles, a_directory_that_takes_no_file_is_silent) {
@@ -245,3 +228,4 @@ TEST_F(ImParameterFile, the_flag_is_off_unless_asked_for) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_debug_test

@@ -3,9 +3,9 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_flat_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::ImFlatTables;
 using kzb::Scheme;
 
@@ -124,3 +124,4 @@ TEST_F(FlatTables, have_two_nodes_an_axis) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_flat_test

@@ -6,9 +6,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_output_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr const char* tables_category = "InductionParam_HigherAccuracy";
 
@@ -237,3 +236,4 @@ TEST(im_output, iron_loss_by_current_slip_speed_voltage_and_carrier) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_output_test

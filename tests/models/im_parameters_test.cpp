@@ -3,9 +3,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_parameters_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr const char* tables_category = "InductionParam_HigherAccuracy";
 const double no_voltage[3] = {0.0, 0.0, 0.0};
@@ -276,3 +275,4 @@ TEST(im_parameters, with_tables_the_flux_angle_advances_twice_per_sample) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_parameters_test

@@ -8,9 +8,9 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_physics_test {
 namespace {
 
-using namespace kzb_test;
 using Complex = std::complex<double>;
 
 struct SteadyState {
@@ -98,3 +98,4 @@ TEST(im_physics, tables_reach_the_same_steady_state_as_constants) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_physics_test

@@ -5,9 +5,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_safety_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double nan_value = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
@@ -154,3 +153,4 @@ TEST(im_safety, two_stores_of_one_revision_are_told_apart) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_safety_test

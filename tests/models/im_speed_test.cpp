@@ -3,9 +3,9 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_speed_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::AngleHistory;
 
 TEST(im_speed, without_a_record_it_is_the_mean_since_time_zero) {
@@ -82,3 +82,4 @@ TEST(im_speed, with_tables_it_is_that_of_the_last_interval) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_speed_test

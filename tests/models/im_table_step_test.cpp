@@ -3,9 +3,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_table_step_test {
 namespace {
-
-using namespace kzb_test;
 
 const double no_voltage[3] = {0.0, 0.0, 0.0};
 // Values of ImTableValues.
@@ -197,3 +196,4 @@ TEST(im_table_step, a_sample_has_flux_and_induced_voltage) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_table_step_test

@@ -5,9 +5,8 @@
 
 #include "im_files.h"
 
+namespace kzb_test::im_voltage_step_test {
 namespace {
-
-using namespace kzb_test;
 
 using Row = std::array<double, 4>;
 
@@ -319,3 +318,4 @@ TEST(im_voltage_step, a_current_that_is_set_is_the_latest_and_the_output) {
 }
 
 }  // namespace
+}  // namespace kzb_test::im_voltage_step_test

@@ -7,6 +7,7 @@
 #include "models/history.h"
 #include "models/loss_filter.h"
 
+namespace kzb_test::park_test {
 namespace {
 
 using kzb::PhaseAngles;
@@ -103,3 +104,4 @@ TEST(loss_filter, at_time_zero_it_has_not_started) {
 }
 
 }  // namespace
+}  // namespace kzb_test::park_test

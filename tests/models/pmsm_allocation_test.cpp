@@ -1,32 +1,12 @@
 // A step takes nothing from the heap once the first samples have been made.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
-#include "heap_count.h"
 #include "pmsm_files.h"
+#include "support/heap_count.h"
 
-std::size_t kzb_test::allocations = 0;
-
-// Counts what the program takes from the heap. Never inlined: the compiler then sees the pair as a whole.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++kzb_test::allocations;
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
+namespace kzb_test::pmsm_allocation_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 
 TEST(pmsm_allocation, steps_take_nothing_from_the_heap) {
@@ -49,3 +29,4 @@ TEST(pmsm_allocation, steps_take_nothing_from_the_heap) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_allocation_test

@@ -2,9 +2,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_bind_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 
 TEST(pmsm_bind, reset_state_is_the_established_one) {
@@ -192,3 +192,4 @@ TEST(pmsm_bind, skew_is_applied_and_the_magnet_flux_read_again) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_bind_test

@@ -9,34 +9,18 @@
 #include <sstream>
 
 #include "pmsm_files.h"
+#include "support/files.h"
 
+namespace kzb_test::pmsm_debug_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 namespace fs = std::filesystem;
 
 // A directory of its own as the current one, and the variable that asks for debug files.
 class PmsmDebug : public ::testing::Test {
   protected:
-    void SetUp() override {
-        before_ = fs::current_path();
-        char name[] = "/tmp/kzb_pmsm_debug_XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        directory_ = name;
-        fs::current_path(directory_);
-    }
-    void TearDown() override {
-        unsetenv("DORN_KZ_DEBUG_OUTPUT");
-        fs::current_path(before_);
-        fs::remove_all(directory_);
-    }
-    static std::string text_of(const char* name) {
-        std::ifstream file(name, std::ios::binary);
-        std::ostringstream text;
-        text << file.rdbuf();
-        return text.str();
-    }
+    void TearDown() override { unsetenv("DORN_KZ_DEBUG_OUTPUT"); }
     static std::string fields(std::initializer_list<double> values) {
         std::string line;
         for (const double value : values) {
@@ -51,8 +35,7 @@ class PmsmDebug : public ::testing::Test {
     }
 
   private:
-    fs::path before_;
-    fs::path directory_;
+    WorkingFolder folder_;
 };
 
 const char* const names[] = {"VEKT_debug_Flux.csv", "VEKT_debug_L.csv",         "VEKT_debug_I_beta_theta.csv",
@@ -81,15 +64,15 @@ TEST_F(PmsmDebug, construction_deletes_files_of_earlier_releases) {
 TEST_F(PmsmDebug, headers_stand_from_construction_on) {
     setenv("DORN_KZ_DEBUG_OUTPUT", "2", 1);
     { const Calc_Eq model; }
-    EXPECT_EQ(text_of(names[0]),
+    EXPECT_EQ(read_file(names[0]),
               "Time,Total_Flux_U,Total_Flux_V,Total_Flux_W,Induced_Voltage_of_Magnet_U,Induced_Voltage_of_Magnet_V,"
               "Induced_Voltage_of_Magnet_W\n");
-    EXPECT_EQ(text_of(names[1]), "Time,Lu,Luv,Luw,Lvu,Lv,Lvw,Lwu,Lwv,Lw,R\n");
-    EXPECT_EQ(text_of(names[2]), "Time,Iamp,Ibeta,theta\n");
-    EXPECT_EQ(text_of(names[3]), "Time,I_u,I_v,I_w,V_u,V_v,V_w,V_c\n");
-    EXPECT_EQ(text_of(names[4]), "Time, AC_resistance, DC_resistance\n");
+    EXPECT_EQ(read_file(names[1]), "Time,Lu,Luv,Luw,Lvu,Lv,Lvw,Lwu,Lwv,Lw,R\n");
+    EXPECT_EQ(read_file(names[2]), "Time,Iamp,Ibeta,theta\n");
+    EXPECT_EQ(read_file(names[3]), "Time,I_u,I_v,I_w,V_u,V_v,V_w,V_c\n");
+    EXPECT_EQ(read_file(names[4]), "Time, AC_resistance, DC_resistance\n");
     EXPECT_TRUE(fs::exists(names[5]));
-    EXPECT_EQ(text_of(names[5]), "");
+    EXPECT_EQ(read_file(names[5]), "");
 }
 
 TEST_F(PmsmDebug, rows_of_a_harmonic_step) {
@@ -120,7 +103,7 @@ TEST_F(PmsmDebug, rows_of_a_harmonic_step) {
         }
     }
     const auto body = [](const char* name) {
-        const std::string text = text_of(name);
+        const std::string text = read_file(name);
         return text.substr(text.find('\n') + 1);
     };
     EXPECT_EQ(body(names[0]), flux);
@@ -147,7 +130,7 @@ TEST_F(PmsmDebug, iron_loss_adds_a_line) {
     const double omega = 2.0 * pi * (1.0 / 0.5 / (2.0 * pi) * 60.0) / 60.0;
     std::snprintf(line, sizeof line, "TotalLoss, omega, LossTorque, %10.5e, %10.5e, %10.5e\n", 40.0, omega,
                   40.0 / omega);
-    const std::string text = text_of(names[4]);
+    const std::string text = read_file(names[4]);
     EXPECT_NE(text.find(line), std::string::npos) << text;
 }
 
@@ -166,7 +149,7 @@ TEST_F(PmsmDebug, flux_integral_rows_have_23_fields_and_a_header_only_from_time_
             double derivative[3];
             model.flux_derivative(30.0, 0.0, 0.0, 0.0, time, state, derivative, 1, 1, 1);
         }
-        std::string text = text_of(names[5]);
+        std::string text = read_file(names[5]);
         const std::string header =
             "time, m_Eddy[0] + m_Hys[0], vind.d, vind.q, pssvind.d, pssvind.q, Vin.d, Vin.q, Rid, Riq, wFq, wFd, "
             "i_coil_d, i_coil_q, i_loss_d,i_loss_q, Vu, Vv, Vw, theta_e_rad, Fd, Fq, BW\n";
@@ -195,3 +178,4 @@ TEST_F(PmsmDebug, directory_without_write_permission_is_silent) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_debug_test

@@ -3,9 +3,8 @@
 
 #include "pmsm_flux_integral_file.h"
 
+namespace kzb_test::pmsm_flux_integral_dq_test {
 namespace {
-
-using namespace kzb_test;
 
 // Lq is the chord of the flux, not formed on the d axis, where the last value stands; the first step has none.
 TEST(pmsm_flux_integral_dq, q_inductance_is_kept_on_the_d_axis) {
@@ -60,3 +59,4 @@ TEST(pmsm_flux_integral_dq, d_inductance_is_kept_without_current_or_when_it_jump
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_flux_integral_dq_test

@@ -6,9 +6,9 @@
 
 #include "pmsm_flux_integral_file.h"
 
+namespace kzb_test::pmsm_flux_integral_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Phases;
 
 TEST(pmsm_flux_integral, time_zero_starts_from_the_flux_without_current) {
@@ -278,3 +278,4 @@ TEST(pmsm_flux_integral, temperature_that_is_no_number_does_not_pass_for_an_unco
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_flux_integral_test

@@ -3,9 +3,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_flux_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 using kzb::Phases;
 
@@ -307,3 +307,4 @@ TEST(pmsm_flux, linear_machine_angles) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_flux_test

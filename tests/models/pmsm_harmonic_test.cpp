@@ -3,9 +3,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_harmonic_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 using kzb::Phases;
 
@@ -217,3 +217,4 @@ TEST(pmsm_harmonic, inductance_correction_scales_both_axes) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_harmonic_test

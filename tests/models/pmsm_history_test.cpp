@@ -3,9 +3,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_history_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 using kzb::Phases;
 
@@ -152,3 +152,4 @@ TEST(pmsm_history, current_driven_ld_and_lq_of_an_ld_lq_file) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_history_test

@@ -3,9 +3,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_losses_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 using kzb::Phases;
 
@@ -213,3 +213,4 @@ TEST(pmsm_losses, user_parameters_need_kind_1_or_3) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_losses_test

@@ -5,9 +5,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_safety_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 
 // Everything that an interface may call, in one sample.
@@ -222,3 +222,4 @@ TEST(pmsm_safety, bound_twice_to_one_store_it_keeps_its_tables) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_safety_test

@@ -5,9 +5,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_step_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 using kzb::Phases;
 
@@ -335,3 +335,4 @@ TEST(pmsm_step, file_of_the_older_correction_is_error_20) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_step_test

@@ -3,9 +3,9 @@
 
 #include "pmsm_files.h"
 
+namespace kzb_test::pmsm_torque_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq;
 using kzb::Phases;
 
@@ -225,3 +225,4 @@ TEST(pmsm_torque, linear_temperature_torque_by_length_and_without_one) {
 }
 
 }  // namespace
+}  // namespace kzb_test::pmsm_torque_test

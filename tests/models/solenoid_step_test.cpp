@@ -1,9 +1,9 @@
 // The linear solenoid: binding, the step's equation, magnet flux, force, histories.
 #include "coil_files.h"
 
+namespace kzb_test::solenoid_step_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq_solenoid;
 using SolenoidLookups = OwnDirectory;
 
@@ -381,3 +381,4 @@ TEST_F(SolenoidLookups, a_dump_writes_what_the_coil_has) {
 }
 
 }  // namespace
+}  // namespace kzb_test::solenoid_step_test

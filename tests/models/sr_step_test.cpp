@@ -1,9 +1,9 @@
 // The switched reluctance motor: binding, the step's equation, inductances, torque, flux, histories.
 #include "coil_files.h"
 
+namespace kzb_test::sr_step_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq_sr;
 using SrLookups = OwnDirectory;
 
@@ -533,3 +533,4 @@ TEST_F(SrLookups, a_dump_writes_what_the_machine_has) {
 }
 
 }  // namespace
+}  // namespace kzb_test::sr_step_test

@@ -1,9 +1,9 @@
 // The two-phase stepping motor: binding, the step's equation, inductances, magnet flux, torque, histories.
 #include "coil_files.h"
 
+namespace kzb_test::stepper_step_test {
 namespace {
 
-using namespace kzb_test;
 using kzb::Calc_Eq_sm;
 using StepperLookups = OwnDirectory;
 
@@ -469,3 +469,4 @@ TEST_F(StepperLookups, a_dump_writes_one_record_a_step) {
 }
 
 }  // namespace
+}  // namespace kzb_test::stepper_step_test

@@ -1,12 +1,11 @@
 // A step of the wound-field model takes nothing from the heap once the first samples have been made.
 #include <gtest/gtest.h>
 
-#include "heap_count.h"
+#include "support/heap_count.h"
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_allocation_test {
 namespace {
-
-using namespace kzb_test;
 
 TEST(wfsm_allocation, steps_take_nothing_from_the_heap) {
     for (const int type : {0, 1}) {
@@ -41,3 +40,4 @@ TEST(wfsm_allocation, steps_take_nothing_from_the_heap) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_allocation_test

@@ -5,9 +5,8 @@
 
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_bind_test {
 namespace {
-
-using namespace kzb_test;
 
 TEST(wfsm_bind, answers_whether_the_file_offers_the_application) {
     KZB_STORE full;
@@ -221,3 +220,4 @@ TEST(wfsm_environment, any_text_is_some_number) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_bind_test

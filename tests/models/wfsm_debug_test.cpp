@@ -10,11 +10,12 @@
 #include <memory>
 #include <sstream>
 
+#include "support/files.h"
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_debug_test {
 namespace {
 
-using namespace kzb_test;
 namespace fs = std::filesystem;
 
 const char* const names[] = {"VEKT_debug_IV.csv",       "VEKT_debug_Flux.csv",     "VEKT_debug_L.csv",
@@ -34,17 +35,6 @@ const char* const headers[] = {
 // A directory of its own as the current one.
 class WfsmDebug : public ::testing::Test {
   protected:
-    void SetUp() override {
-        before_ = fs::current_path();
-        char name[] = "/tmp/kzb_wfsm_debug_XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        directory_ = name;
-        fs::current_path(directory_);
-    }
-    void TearDown() override {
-        fs::current_path(before_);
-        fs::remove_all(directory_);
-    }
     // Lines behind the header.
     static std::vector<std::string> rows(const char* name) {
         std::ifstream file(name, std::ios::binary);
@@ -77,8 +67,7 @@ class WfsmDebug : public ::testing::Test {
     }
 
   private:
-    fs::path before_;
-    fs::path directory_;
+    WorkingFolder folder_;
 };
 
 TEST_F(WfsmDebug, no_file_unless_asked_for_by_a_non_zero_integer) {
@@ -238,3 +227,4 @@ TEST_F(WfsmDebug, files_that_cannot_be_made_are_passed_over) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_debug_test

@@ -3,9 +3,8 @@
 
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_dq_test {
 namespace {
-
-using namespace kzb_test;
 
 // A machine at position 0 with a linear air gap: Ld = Lq = l + 1.5 m. `bend` adds bend * i_q^2 to the q axis flux.
 struct Machine {
@@ -118,3 +117,4 @@ TEST(wfsm_dq, flux_scale_acts_twice_on_the_direct_form_and_once_on_the_neighbour
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_dq_test

@@ -15,6 +15,7 @@
 #include "models/calc_eq_wfsm.h"
 #include "pmsm_files.h"
 #include "store/store.h"
+#include "support/environment.h"
 
 namespace kzb_test {
 
@@ -124,18 +125,6 @@ inline bool sample(Calc_Eq_wfsm& model, const Four& v, double position, double t
     }
     return ok;
 }
-
-// An environment variable for the life of one object.
-class Environment {
-  public:
-    Environment(const char* name, const char* value) : name_(name) { ::setenv(name, value, 1); }
-    ~Environment() { ::unsetenv(name_); }
-    Environment(const Environment&) = delete;
-    Environment& operator=(const Environment&) = delete;
-
-  private:
-    const char* name_;
-};
 
 // One-dimensional interpolations counted so far, of every scheme.
 inline double interpolations(const KZB_STORE& store) {

@@ -7,9 +7,8 @@
 #include "wfsm_files.h"
 #include "wfsm_reference.h"
 
+namespace kzb_test::wfsm_literal_test {
 namespace {
-
-using namespace kzb_test;
 
 struct Setting {
     WoundField machine;
@@ -197,3 +196,4 @@ TEST(wfsm_literal, few_passes_and_relaxation) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_literal_test

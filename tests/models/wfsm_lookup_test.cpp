@@ -7,9 +7,8 @@
 #include "models/calc_eq_wfsm_frame.h"
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_lookup_test {
 namespace {
-
-using namespace kzb_test;
 
 void coordinate_file(KZB_STORE& store, const WoundField& w) {
     wfsm_basics(store, w);
@@ -188,3 +187,4 @@ TEST(wfsm_frame, park_and_its_inverse) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_lookup_test

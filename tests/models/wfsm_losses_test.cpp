@@ -3,9 +3,8 @@
 
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_losses_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double dt = 1e-3;
 
@@ -304,3 +303,4 @@ TEST(wfsm_losses, user_parameters_at_the_point_of_the_tables) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_losses_test

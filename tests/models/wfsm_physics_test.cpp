@@ -8,9 +8,8 @@
 
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_physics_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double end = 0.02;           // s
 constexpr double turns_of_run = 0.25;  // mechanical
@@ -107,3 +106,4 @@ TEST(wfsm_physics, run_converges_to_the_equations_of_the_machine) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_physics_test

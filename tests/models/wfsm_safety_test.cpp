@@ -5,9 +5,8 @@
 
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_safety_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinite = std::numeric_limits<double>::infinity();
@@ -208,3 +207,4 @@ TEST(wfsm_safety, table_replaced_while_stepping_is_seen) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_safety_test

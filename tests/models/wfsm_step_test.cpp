@@ -5,9 +5,8 @@
 
 #include "wfsm_files.h"
 
+namespace kzb_test::wfsm_step_test {
 namespace {
-
-using namespace kzb_test;
 
 constexpr double dt = 1e-3;
 
@@ -409,3 +408,4 @@ TEST(wfsm_history, accept_moves_present_values) {
 }
 
 }  // namespace
+}  // namespace kzb_test::wfsm_step_test

@@ -183,6 +183,19 @@ TEST(Linear, single_component_before_a_node_that_falls_together_with_its_own) {
     }
 }
 
+// A model without axes has no coordinates to give: the components are the nodes themselves, 4 + 3 k.
+TEST(Schemes, components_of_a_table_without_another_axis_need_no_coordinates) {
+    const KZB_TABLE table = table_of({{0, 1, 2, 3, 4, 5, 6}}, {4, 7, 10, 13, 16, 19, 22});
+    for (const char* method : {"Linear", "Cubic", "Spline4", "Spline6", "Spline"}) {
+        double results[7] = {};
+        double timing[20] = {};
+        kzb::table_lookup_components(kzb::scheme_of(method), &table, nullptr, 7, results, timing, {});
+        for (int k = 0; k < 7; ++k) {
+            EXPECT_DOUBLE_EQ(results[k], 4.0 + 3.0 * k) << method << " " << k;
+        }
+    }
+}
+
 TEST(Linear, not_a_number_prints_once_per_corner) {
     const KZB_TABLE table = table_of({{0, 1}, {0, 1}}, {1, 2, 3, 4});
     const Lookup lookup("Linear", table, {std::nan(""), 0.5});

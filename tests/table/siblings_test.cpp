@@ -54,7 +54,7 @@ struct Family {
     const KZB_TABLE* pointers[count] = {&tables[0], &tables[1], &tables[2], &tables[3]};
 };
 
-struct Outcome {
+struct SiblingOutcome {
     double values[count] = {kzb::KZB_NO_VALUE, kzb::KZB_NO_VALUE, kzb::KZB_NO_VALUE, kzb::KZB_NO_VALUE};
     int statuses[count] = {};
     double timing[20] = {};
@@ -69,7 +69,7 @@ TEST(Siblings, equal_single_lookups_or_leave_them_to_be_made) {
         const std::vector<double> x = maker.point(family.tables[0], odd);
         const kzb::Scheme scheme = kzb::scheme_of(methods[maker.below(5)]);
         const kzb::LookupSwitches switches{maker.below(2) == 0, false};
-        Outcome shared;
+        SiblingOutcome shared;
         testing::internal::CaptureStderr();
         const bool done = kzb::table_lookup_siblings(scheme, family.pointers, count, x.data(), shared.values,
                                                      shared.statuses, shared.timing, switches);
@@ -81,7 +81,7 @@ TEST(Siblings, equal_single_lookups_or_leave_them_to_be_made) {
             continue;
         }
         ++together;
-        Outcome single;
+        SiblingOutcome single;
         testing::internal::CaptureStderr();
         for (int k = 0; k < count; ++k) {
             single.statuses[k] =
@@ -104,7 +104,7 @@ TEST(Siblings, do_nothing_while_times_are_measured_and_without_a_scheme) {
     TableMaker maker;
     const Family family(maker, false);
     const std::vector<double> x = maker.point(family.tables[0], false);
-    Outcome out;
+    SiblingOutcome out;
     EXPECT_FALSE(kzb::table_lookup_siblings(kzb::Scheme::linear, family.pointers, count, x.data(), out.values,
                                             out.statuses, out.timing, kzb::LookupSwitches{false, true}));
     EXPECT_FALSE(kzb::table_lookup_siblings(kzb::Scheme::unknown, family.pointers, count, x.data(), out.values,

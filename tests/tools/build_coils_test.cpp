@@ -11,6 +11,7 @@
 #include "kzb/build_stepper.h"
 #include "kzb/command.h"
 #include "tools/build_synthetic.h"
+#include "tools/models.h"
 #include "tools/program.h"
 
 namespace kzb::test {
@@ -23,15 +24,13 @@ using tool::synthetic::axis_of;
 using tool::synthetic::cyclic_of;
 using tool::synthetic::each_value;
 
-constexpr double degree = std::numbers::pi / 180.0;
-
 // An unsaturated phase: psi = (La + Lb cos(6 theta)) i, torque = 1/2 i^2 dL/dtheta, dL/dtheta = -6 Lb sin(6 theta).
 constexpr double La = 0.05, Lb = 0.04;
 double inductance(double theta) {
-    return La + Lb * std::cos(6.0 * theta * degree);
+    return La + Lb * std::cos(6.0 * theta * radians_of_degree);
 }
 double torque(double theta, double i) {
-    return -3.0 * Lb * std::sin(6.0 * theta * degree) * i * i;
+    return -3.0 * Lb * std::sin(6.0 * theta * radians_of_degree) * i * i;
 }
 
 std::string phase_map(double last, bool with_torque, double step = 2.5) {
@@ -116,7 +115,7 @@ TEST_F(BuildCoils, torque_that_the_map_lacks_is_the_derivative_of_the_coenergy) 
     const tool::StorePointer store = written();
     // A periodic spline through cos(6 theta) has at its nodes the slope times 3 sin(wh) / ((2 + cos(wh)) wh), which
     // is 1 - (wh)^4 / 180 and more; wh = 15 degrees.
-    const double wh = 6.0 * 2.5 * degree;
+    const double wh = 6.0 * 2.5 * radians_of_degree;
     const double factor = 3.0 * std::sin(wh) / ((2.0 + std::cos(wh)) * wh);
     each_value(store.get(), "torque", "torque_ibeta", [factor](const std::vector<double>& at, double value) {
         EXPECT_NEAR(value, factor * torque(at[0], at[1]), 1e-9);
@@ -126,7 +125,7 @@ TEST_F(BuildCoils, torque_that_the_map_lacks_is_the_derivative_of_the_coenergy) 
 TEST_F(BuildCoils, coupling_is_fitted_symmetric_and_turns_its_sign_at_the_last_phase) {
     write_file(folder / "map.csv", phase_map(60.0, true));
     // M(theta) = 1 mH + 0.5 mH cos(6 (theta - 22.5)): the same at theta and at 45 - theta, as it must be.
-    const auto m = [](double theta) { return 1e-3 + 0.5e-3 * std::cos(6.0 * (theta - 22.5) * degree); };
+    const auto m = [](double theta) { return 1e-3 + 0.5e-3 * std::cos(6.0 * (theta - 22.5) * radians_of_degree); };
     std::string text = "theta_mech_deg,current_A,psi_neighbour_Vs\n";
     for (double theta = 0.0; theta < 59.0; theta += 2.5) {
         for (const double i : {1.0, 8.0}) {
@@ -161,7 +160,8 @@ TEST_F(BuildCoils, account_tells_how_far_coarse_tables_are_from_the_map) {
     // Straight lines over h = 5 deg through cos(6 theta) miss it in the middle by 1 - cos(15 deg) at its crest: 8 A
     // times 0.04 H times 0.0341.
     const json& psi = account["deviations"][0]["psi"];
-    EXPECT_NEAR(psi["largest"], 8.0 * Lb * (1.0 - std::cos(15.0 * degree)) * std::cos(15.0 * degree), 2e-5);
+    EXPECT_NEAR(psi["largest"],
+                8.0 * Lb * (1.0 - std::cos(15.0 * radians_of_degree)) * std::cos(15.0 * radians_of_degree), 2e-5);
     EXPECT_GT(psi["largest"], psi["rms"]);
     EXPECT_EQ(account["deviations"][0]["lookups_out_of_table"], 0);
     EXPECT_NEAR(psi["scale"], 8.0 * (La + Lb), 1e-12);
@@ -251,7 +251,7 @@ TEST_F(BuildCoils, stepper_tables_are_the_closed_forms_and_the_torque_is_that_of
     each_value(store.get(), "mag_flux", "flux", [](const std::vector<double>& at, double value) {
         const double quarter = at[1] < 2 ? 0.0 : 90.0;
         const double sign = static_cast<int>(at[1]) % 2 == 0 ? 1.0 : -1.0;
-        EXPECT_NEAR(value, sign * 0.0125 * std::cos((50.0 * at[0] - quarter) * degree), 1e-15);
+        EXPECT_NEAR(value, sign * 0.0125 * std::cos((50.0 * at[0] - quarter) * radians_of_degree), 1e-15);
     });
     // Coenergy of the currents (j_A, 0, j_B, 0): the linkages of A+ and B+ integrated over them,
     //   W = psi_m+ j + 1/2 j^T L j,   torque = dW / d angle, by central differences between the closed forms.
@@ -263,7 +263,8 @@ TEST_F(BuildCoils, stepper_tables_are_the_closed_forms_and_the_torque_is_that_of
     };
     each_value(store.get(), "torque", "torque_ibeta", [&](const std::vector<double>& at, double value) {
         const double h = 1e-4;  // degrees
-        const double slope = (coenergy(at[1] + h, at[0], at[2]) - coenergy(at[1] - h, at[0], at[2])) / (2 * h * degree);
+        const double slope =
+            (coenergy(at[1] + h, at[0], at[2]) - coenergy(at[1] - h, at[0], at[2])) / (2 * h * radians_of_degree);
         EXPECT_NEAR(value, slope, 1e-7);  // h^2 / 6 of the third derivative, and rounding 1e-16 / (2 h)
     });
     // The matrix is symmetric; half coils of a phase are coupled by -k L.

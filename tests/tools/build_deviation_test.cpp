@@ -66,11 +66,11 @@ TEST(BuildDeviation, every_application_meets_a_linear_machine_at_its_points) {
     }
 }
 
-const std::string data = std::string(KZB_SOURCE_DIR) + "/examples/data";
+const std::string flux_maps = std::string(KZB_SOURCE_DIR) + "/examples/data";
 
 PmsmOptions real_machine(const std::string& map, int poles, Application application) {
     PmsmOptions options;
-    options.map_path = data + map;
+    options.map_path = flux_maps + map;
     options.model.applications = {application};
     options.model.number_of_poles = poles;
     return options;

@@ -19,7 +19,7 @@ using synthetic::TextFile;
 using testing::HasSubstr;
 using Complex = std::complex<double>;
 
-const std::string data = std::string(KZB_SOURCE_DIR) + "/examples/data/";
+const std::string machine_data = std::string(KZB_SOURCE_DIR) + "/examples/data/";
 const std::string t_circuit =
     "name,value,unit\npole_pairs,2,1\nR_1,0.5,ohm\nR_2,400,mohm\nL_sigma_1,3,mH\nL_sigma_2,0.002,H\nL_m,0.1,H\n"
     "rated_frequency,50,Hz\nrated_voltage_line_rms,400,V\n";
@@ -136,9 +136,9 @@ TEST(BuildIm, forms_of_one_circuit_are_the_same_machine_at_the_terminals) {
 
 TEST(BuildIm, published_operating_point_of_the_traction_machine_is_met) {
     ImOptions options;
-    options.parameter_path = data + "im-traction/parameters.csv";
-    options.saturation_path = data + "im-traction/magnetizing_inductance.csv";
-    options.operating_point_path = data + "im-traction/published_operating_point.csv";
+    options.parameter_path = machine_data + "im-traction/parameters.csv";
+    options.saturation_path = machine_data + "im-traction/magnetizing_inductance.csv";
+    options.operating_point_path = machine_data + "im-traction/published_operating_point.csv";
     options.parameters = {"r1=R_1_at_150C", "r2=R_2_at_200C_referred", "frequency=60", "phase_voltage_rms=600"};
     const ImBuild build = build_im(options);
     // 600 V rms, 60 Hz, slip 0.01: I_1 = 138.5785 - j 231.2780 A rms, I_2 = 145.9867 - j 11.6826 A rms out of the
@@ -164,8 +164,8 @@ TEST(BuildIm, published_operating_point_of_the_traction_machine_is_met) {
 // P = 61.5 W at the reference flux linkage, 0.7179 Vs rms.
 TEST(BuildIm, iron_loss_follows_the_square_of_the_main_flux) {
     ImOptions options;
-    options.parameter_path = data + "im-8pole/parameters.csv";
-    options.saturation_path = data + "im-8pole/magnetizing_curve.csv";
+    options.parameter_path = machine_data + "im-8pole/parameters.csv";
+    options.saturation_path = machine_data + "im-8pole/magnetizing_curve.csv";
     const ImBuild build = build_im(options);
     const double current = build.current.nodes[40];
     const double psi = table(build.store.get(), "M12_table", 0.0, current) * current;  // at slip 0 all is magnetizing

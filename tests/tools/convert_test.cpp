@@ -4,8 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tools/models.h"
-#include "tools/program.h"
+#include "tools/edits.h"
 
 namespace kzb::test {
 namespace {
@@ -23,14 +22,6 @@ json convert(const Folder& folder, const std::string& from, const std::string& t
     return json::parse(finished.out);
 }
 
-KZB_STORE* opened(const std::string& path) {
-    KZB_STORE* store = nullptr;
-    kzb_initialize(&store);
-    EXPECT_EQ(kzb_reader(path.c_str(), store), 0);
-    kzb_set_application("ALL", "", store);
-    return store;
-}
-
 TEST(Convert, ascii_and_back_keeps_values_of_eleven_digits) {
     const Folder folder;
     write_model(folder / "m.kzb", [](KZB_STORE* store) {
@@ -41,13 +32,12 @@ TEST(Convert, ascii_and_back_keeps_values_of_eleven_digits) {
     EXPECT_EQ(convert(folder, "m.kzb", "a.kzb", "ascii")["values_changed"], 0);
     EXPECT_EQ(read_file(folder / "a.kzb").substr(0, 12), ascii_head);
     convert(folder, "a.kzb", "b.kzb", "binary");
-    KZB_STORE* store = opened(folder / "b.kzb");
+    const OpenedStore store = opened(folder / "b.kzb");
     const int at[] = {1, 2};
-    EXPECT_EQ(kzb_get_table_value("any;0;", "t", at, store), 0.5 * 3.0 - 4.0);
-    EXPECT_EQ(kzb_get_table_axis_value("any;0;", "t", 2, 2, store), 4.0);
-    EXPECT_EQ(kzb_get_table_cyclic_flag("any;0;", "t", 2, store), 1);
-    EXPECT_EQ(kzb_get_double("parameter", "RU", store), 0.5);
-    kzb_finish(store);
+    EXPECT_EQ(kzb_get_table_value("any;0;", "t", at, store.get()), 0.5 * 3.0 - 4.0);
+    EXPECT_EQ(kzb_get_table_axis_value("any;0;", "t", 2, 2, store.get()), 4.0);
+    EXPECT_EQ(kzb_get_table_cyclic_flag("any;0;", "t", 2, store.get()), 1);
+    EXPECT_EQ(kzb_get_double("parameter", "RU", store.get()), 0.5);
 }
 
 TEST(Convert, a_binary_copy_of_a_binary_file_is_exact) {
@@ -55,9 +45,8 @@ TEST(Convert, a_binary_copy_of_a_binary_file_is_exact) {
     write_model(folder / "m.kzb", [](KZB_STORE* store) { kzb_put_double("c", "x", 1.0 / 3.0, store); });
     const json report = convert(folder, "m.kzb", "b.kzb", "binary");
     EXPECT_EQ(report["values_changed"], 0);
-    KZB_STORE* store = opened(folder / "b.kzb");
-    EXPECT_EQ(kzb_get_double("c", "x", store), 1.0 / 3.0);
-    kzb_finish(store);
+    const OpenedStore store = opened(folder / "b.kzb");
+    EXPECT_EQ(kzb_get_double("c", "x", store.get()), 1.0 / 3.0);
 }
 
 TEST(Convert, ascii_report_counts_the_values_that_lose_digits) {

@@ -8,16 +8,17 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string start = "$KZ_Correction_Start,\n$KZ_Correction_MotorType,PMSM\n";
-const std::string end = "$KZ_Correction_End,\n";
+const std::string correction_start = "$KZ_Correction_Start,\n$KZ_Correction_MotorType,PMSM\n";
+const std::string correction_end = "$KZ_Correction_End,\n";
 // Over the current amplitude (rows) and the current phase (columns).
-const std::string inductance = "$KZ_Correction_Inductance,2,2\nI/beta,0,360\n0,1.5,1.5\n100,3,3.5\n";
+const std::string inductance_factors = "$KZ_Correction_Inductance,2,2\nI/beta,0,360\n0,1.5,1.5\n100,3,3.5\n";
 
 class Correct : public Edits {
   protected:
     Correct() {
         write_constant_machine(folder / "m.kzb");
-        write_file(folder / "c.txt", start + inductance + "$KZ_Correction_LeakageInductance_U,0.25\n" + end);
+        write_file(folder / "c.txt", correction_start + inductance_factors +
+                                         "$KZ_Correction_LeakageInductance_U,0.25\n" + correction_end);
     }
 };
 
@@ -38,7 +39,7 @@ TEST_F(Correct, tables_and_leakage_of_the_file_stand_in_the_model) {
 }
 
 TEST_F(Correct, the_factor_acts_in_a_run) {
-    write_file(folder / "c.txt", start + inductance + end);
+    write_file(folder / "c.txt", correction_start + inductance_factors + correction_end);
     done({"correct", "m.kzb", "c.txt", "--out", "n.kzb"});
     write_file(folder / "s.toml", "drive = \"voltage\"\n[time]\nstep = 1e-4\nstop = 5e-4\n[sources]\nall = 0\n");
     // Without current the factor is 1.5 at every phase; the table holds 2 mH.
@@ -46,7 +47,8 @@ TEST_F(Correct, the_factor_acts_in_a_run) {
 }
 
 TEST_F(Correct, several_files_are_taken_in_their_order_and_compound) {
-    write_file(folder / "d.txt", start + "$KZ_Correction_Inductance,1,2\nI/beta,0,360\n50,2,4\n" + end);
+    write_file(folder / "d.txt",
+               correction_start + "$KZ_Correction_Inductance,1,2\nI/beta,0,360\n50,2,4\n" + correction_end);
     done({"correct", "m.kzb", "c.txt", "d.txt", "--out", "n.kzb"});
     const OpenedStore store = opened(folder / "n.kzb");
     // The later grid with the earlier factors at 50 A: halfway, 2.25 and 2.5. The axis is cyclic: 360 reads as 0 in a
@@ -57,16 +59,20 @@ TEST_F(Correct, several_files_are_taken_in_their_order_and_compound) {
 
 TEST_F(Correct, faults_of_the_correction_file_are_exit_code_3_with_the_cause) {
     const std::vector<std::pair<std::string, std::string>> cases = {
-        {start + inductance,
+        {correction_start + inductance_factors,
          "c.txt: The end marker [$KZ_Correction_End] was not found in the correction file. (error "
          "90016)"},
-        {end, "[$KZ_Correction_Start]"},
-        {"$KZ_Correction_Start\n$KZ_Correction_MotorType,IM\n" + end, "90018"},
-        {start + "$KZ_Correction_Inductance,2,2\nI/beta,0,360\n0,1.5\n" + end, "The correction file is corrupt."},
-        {start + "$KZ_Correction_Inductance,0,2\nI/beta,0,360\n" + end, "c.txt: "},
-        {start + "$KZ_Correction_BackEMF,1,1\n" + end, "[$KZ_Correction_BackEMF] is not available"},
-        {start + "$KZ_Correction_Other,1\n" + end, "90014"},
-        {start + inductance + "$KZ_Correction_TotalFluxLinkage,1,1\nI/beta,0\n0,1\n" + end, "90020"},
+        {correction_end, "[$KZ_Correction_Start]"},
+        {"$KZ_Correction_Start\n$KZ_Correction_MotorType,IM\n" + correction_end, "90018"},
+        {correction_start + "$KZ_Correction_Inductance,2,2\nI/beta,0,360\n0,1.5\n" + correction_end,
+         "The correction file is corrupt."},
+        {correction_start + "$KZ_Correction_Inductance,0,2\nI/beta,0,360\n" + correction_end, "c.txt: "},
+        {correction_start + "$KZ_Correction_BackEMF,1,1\n" + correction_end,
+         "[$KZ_Correction_BackEMF] is not available"},
+        {correction_start + "$KZ_Correction_Other,1\n" + correction_end, "90014"},
+        {correction_start + inductance_factors + "$KZ_Correction_TotalFluxLinkage,1,1\nI/beta,0\n0,1\n" +
+             correction_end,
+         "90020"},
         {"", "c.txt: "},
         {std::string("\0\xff\xfe,,,\n$\n$$,\n", 12), "c.txt: "},
     };
@@ -93,14 +99,15 @@ TEST_F(Correct, numbers_that_cannot_be_looked_up_are_exit_code_3) {
         {"$KZ_Correction_LeakageInductance_V,nan\n", "parameter/leakage_inductance_v: nan, expected a finite number"},
     };
     for (const auto& [content, fault] : cases) {
-        write_file(folder / "c.txt", start + content + end);
+        write_file(folder / "c.txt", correction_start + content + correction_end);
         refused({"correct", "m.kzb", "c.txt", "--out", "n.kzb"}, 3, fault);
     }
 }
 
 TEST_F(Correct, factors_of_zero_and_below_are_warned_of) {
     for (const std::string factor : {"0", "-0.5", "none"}) {  // a word reads as 0
-        write_file(folder / "c.txt", start + "$KZ_Correction_Torque,1,2\nI/beta,0,360\n0,1," + factor + "\n" + end);
+        write_file(folder / "c.txt",
+                   correction_start + "$KZ_Correction_Torque,1,2\nI/beta,0,360\n0,1," + factor + "\n" + correction_end);
         const Finished finished = kzb({"correct", "m.kzb", "c.txt", "--out", "n.kzb"});
         EXPECT_EQ(finished.code, 0);
         EXPECT_EQ(line_count(finished.err), 1);
@@ -110,14 +117,15 @@ TEST_F(Correct, factors_of_zero_and_below_are_warned_of) {
 }
 
 TEST_F(Correct, a_correction_that_does_not_suit_an_earlier_one_is_exit_code_1) {
-    write_file(folder / "t.txt", start + "$KZ_Correction_TotalFluxLinkage,1,1\nI/beta,0\n0,1\n" + end);
+    write_file(folder / "t.txt",
+               correction_start + "$KZ_Correction_TotalFluxLinkage,1,1\nI/beta,0\n0,1\n" + correction_end);
     refused({"correct", "m.kzb", "c.txt", "t.txt", "--out", "n.kzb"}, 1, "t.txt: The correction of total flux linkage");
     refused({"correct", "m.kzb", "t.txt", "c.txt", "--out", "n.kzb"}, 1, "(error 90022)");
 }
 
 TEST_F(Correct, a_fault_in_the_second_file_leaves_the_old_output) {
     write_file(folder / "n.kzb", "old");
-    write_file(folder / "bad.txt", start);
+    write_file(folder / "bad.txt", correction_start);
     refused({"correct", "m.kzb", "c.txt", "bad.txt", "--out", "n.kzb"}, 3, "bad.txt: ");
 }
 
@@ -130,7 +138,7 @@ TEST_F(Correct, the_model_may_be_the_output_and_a_correction_file_not) {
 }
 
 TEST_F(Correct, a_file_without_factors_and_another_machine_are_warned_of) {
-    write_file(folder / "c.txt", start + end);
+    write_file(folder / "c.txt", correction_start + correction_end);
     EXPECT_THAT(kzb({"correct", "m.kzb", "c.txt", "--out", "n.kzb"}).err, HasSubstr("nothing is corrected"));
     write_model(folder / "im.kzb", [](KZB_STORE* store) { kzb_put_int("control", "motor_type", 10006, store); });
     EXPECT_THAT(kzb({"correct", "im.kzb", "c.txt", "--out", "n.kzb"}).err,

@@ -10,7 +10,7 @@ namespace {
 
 using testing::AnyOf;
 
-std::string damaged(std::string content, std::mt19937& random) {
+std::string damaged_text(std::string content, std::mt19937& random) {
     const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random()) % limit; };
     const std::string signs = "$#,;=\"-. \n0e9\xff";
     for (std::size_t k = 0, changes = 1 + below(6); k < changes && !content.empty(); ++k) {
@@ -58,9 +58,9 @@ TEST_F(DamagedEdits, measured_files) {
     const std::string loss = "$ points\n0 0 0 0 0 1\n10 0 0 0 0 2\n0, 0, 5, 0, 0, 3\n10 0 5 0 0 4\n";
     const std::string model = read_file(folder / "m.kzb");
     for (int round = 0; round < 60; ++round) {
-        write_file(folder / "c.txt", damaged(correction, random));
+        write_file(folder / "c.txt", damaged_text(correction, random));
         ends_well({"correct", "m.kzb", "c.txt", "--out", "n.kzb"}, round);
-        write_file(folder / "t.txt", damaged(loss, random));
+        write_file(folder / "t.txt", damaged_text(loss, random));
         ends_well({"loss", "m.kzb", "t.txt", "--kind", round % 2 == 0 ? "iron" : "copper", "--out", "n.kzb"}, round);
     }
     EXPECT_EQ(read_file(folder / "m.kzb"), model);
@@ -72,7 +72,7 @@ TEST_F(DamagedEdits, models) {
         done({"convert", "good.kzb", "good.kzb", "--form", form});
         const std::string good = read_file(folder / "good.kzb");
         for (int round = 0; round < 20; ++round) {
-            write_file(folder / "bad.kzb", damaged(good, random));
+            write_file(folder / "bad.kzb", damaged_text(good, random));
             ends_well({"transform", "bad.kzb", "ldlq", "--out", "n.kzb"}, round);
             ends_well({"transform", "bad.kzb", "skew", "--type-a", "continuous", "--angle-a", "5", "--out", "n.kzb"},
                       round);

@@ -20,8 +20,6 @@ namespace {
 using nlohmann::json;
 using testing::HasSubstr;
 
-constexpr double degree = std::numbers::pi / 180.0;
-
 const std::string network = R"([[terminal]]
 name = "supply"
 kind = "source"
@@ -305,11 +303,12 @@ TEST_F(BuildGeneric, inductances_of_a_three_phase_set_are_slopes_of_its_flux) {
     for (const double amplitude : {0.0, 10.0, 20.0}) {
         for (int phase = -180; phase <= 180; phase += 5) {
             for (int theta = 0; theta < 360; theta += 60) {
-                const double id = -amplitude * std::sin(phase * degree), iq = amplitude * std::cos(phase * degree);
+                const double id = -amplitude * std::sin(phase * radians_of_degree),
+                             iq = amplitude * std::cos(phase * radians_of_degree);
                 map += fmt::format("{},{},{}", amplitude, phase, theta);
                 for (const double phi : phases) {
-                    map += fmt::format(
-                        ",{}", ld * id * std::cos((theta + phi) * degree) - lq * iq * std::sin((theta + phi) * degree));
+                    map += fmt::format(",{}", ld * id * std::cos((theta + phi) * radians_of_degree) -
+                                                  lq * iq * std::sin((theta + phi) * radians_of_degree));
                 }
                 map += '\n';
             }
@@ -354,9 +353,9 @@ columns = { u = "u", v = "v", w = "w" }
     for (const int amplitude : {0, 1, 2}) {
         for (const int phase : {0, 7, 36, 72}) {
             for (int theta = 0; theta < 6; ++theta) {
-                const double own = theta * 60.0 * degree;
+                const double own = theta * 60.0 * radians_of_degree;
                 for (int k = 0; k < 3; ++k) {
-                    const double other = own + phases[k] * degree;
+                    const double other = own + phases[k] * radians_of_degree;
                     const double expected =
                         2.0 / 3.0 * (ld * std::cos(own) * std::cos(other) + lq * std::sin(own) * std::sin(other));
                     EXPECT_NEAR(value_at(store, category.c_str(), "table", {amplitude, phase, theta, k}), expected,

@@ -1,5 +1,5 @@
-// The generic models of examples/ against closed forms, classical Runge-Kutta integrations, the fixed models of the
-// same machines and a published transient.
+// The generic models of examples/ against closed forms, classical Runge-Kutta integrations, the fixed models of
+// the same machines and a published transient.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@
 namespace kzb::test {
 namespace {
 
-const std::string examples = std::string(KZB_SOURCE_DIR) + "/examples/";
+const std::string example_folder = std::string(KZB_SOURCE_DIR) + "/examples/";
 
 using Column = std::vector<double>;
 
@@ -38,12 +38,12 @@ class GenericExample : public testing::Test {
         return tool::CsvTable::read(folder / (model + ".csv"));
     }
     tool::CsvTable run_example(const std::string& name) {
-        build({"generic", examples + "generic/" + name + ".model.toml"}, "m.kzb");
-        return run("m.kzb", examples + "generic/" + name + ".toml");
+        build({"generic", example_folder + "generic/" + name + ".model.toml"}, "m.kzb");
+        return run("m.kzb", example_folder + "generic/" + name + ".toml");
     }
     // A scenario of the examples with its text changed.
     std::string changed(const std::string& path, const std::vector<std::pair<std::string, std::string>>& edits) {
-        std::string text = read_file(examples + path);
+        std::string text = read_file(example_folder + path);
         for (const auto& [from, to] : edits) {
             const std::size_t at = text.find(from);
             EXPECT_NE(at, std::string::npos) << from;
@@ -164,10 +164,10 @@ double arrival(const Column& t, const Column& x) {
 // lies 1 to 4 % above; the time of flight goes with the root of the force.
 TEST_F(GenericExample, solenoid_pulls_in_like_the_fixed_model_and_the_published_one) {
     const tool::CsvTable csv = run_example("solenoid-lift");
-    build({"solenoid", examples + "data/solenoid-lift/flux_force_table.csv", "--parameters",
-           examples + "data/solenoid-lift/parameters.csv", "--position-nodes", "77", "--current-nodes", "57"},
+    build({"solenoid", example_folder + "data/solenoid-lift/flux_force_table.csv", "--parameters",
+           example_folder + "data/solenoid-lift/parameters.csv", "--position-nodes", "77", "--current-nodes", "57"},
           "fixed.kzb");
-    const tool::CsvTable fixed = run("fixed.kzb", examples + "solenoid-lift.toml");
+    const tool::CsvTable fixed = run("fixed.kzb", example_folder + "solenoid-lift.toml");
     const Column t = column(csv, "time_s"), i = column(csv, "i_coil_A"), x = column(csv, "displacement_plunger_m");
     const Column ft = column(fixed, "time_s"), fi = column(fixed, "i_coil_A"), fx = column(fixed, "displacement_m");
     const double end = arrival(t, x);
@@ -177,7 +177,7 @@ TEST_F(GenericExample, solenoid_pulls_in_like_the_fixed_model_and_the_published_
         EXPECT_NEAR(x[n], at_time(ft, fx, t[n]), 0.03 * 0.00475) << t[n];
         EXPECT_NEAR(i[n], at_time(ft, fi, t[n]), 0.03 * 1.2) << t[n];
     }
-    const tool::CsvTable published = tool::CsvTable::read(examples + "data/solenoid-lift/pull_in_transient.csv");
+    const tool::CsvTable published = tool::CsvTable::read(example_folder + "data/solenoid-lift/pull_in_transient.csv");
     const Column pt = column(published, "time_s"), px = column(published, "x_m");
     EXPECT_NEAR(end, arrival(pt, px), 0.03 * end);
 }
@@ -203,7 +203,7 @@ double distance(const tool::CsvTable& a, const std::string& a_prefix, const tool
 class SynchronousExample : public GenericExample {
   protected:
     void SetUp() override {
-        build({"pmsm", examples + "data/ipm48s8p/position_map_dq.csv", "--poles", "8", "--resistance", "0.0806",
+        build({"pmsm", example_folder + "data/ipm48s8p/position_map_dq.csv", "--poles", "8", "--resistance", "0.0806",
                "--mirror", "iq", "--phase-step", "3", "--amplitude-nodes", "41", "--position-step", "2.5"},
               "fixed.kzb");
         const std::string scenario =
@@ -222,11 +222,11 @@ class SynchronousExample : public GenericExample {
 // The polar map of the example has other points than the dq map behind the fixed model. Here the set's map is made from
 // the dq map, at amplitudes, phases and positions between its points.
 TEST_F(SynchronousExample, both_forms_are_within_one_percent_of_the_fixed_model) {
-    const tool::CsvTable axes = generic(examples + "generic/ipm48s8p-axes.model.toml");
+    const tool::CsvTable axes = generic(example_folder + "generic/ipm48s8p-axes.model.toml");
     EXPECT_LT(distance(axes, "i_phase_", fixed(), "i_"), 0.01);
 
     tool::PmsmOptions options;
-    options.map_path = examples + "data/ipm48s8p/position_map_dq.csv";
+    options.map_path = example_folder + "data/ipm48s8p/position_map_dq.csv";
     options.machine.mirror = tool::Mirror::iq;
     options.machine.position_count = 36;
     options.model.number_of_poles = 8;
@@ -247,14 +247,15 @@ TEST_F(SynchronousExample, both_forms_are_within_one_percent_of_the_fixed_model)
         }
     }
     write_file(folder / "polar.csv", csv);
-    std::string description = read_file(examples + "generic/ipm48s8p-sets.model.toml");
+    std::string description = read_file(example_folder + "generic/ipm48s8p-sets.model.toml");
     const std::string data = "../data/ipm48s8p/position_map_polar.csv";
     ASSERT_NE(description.find(data), std::string::npos);
     description.replace(description.find(data), data.size(), "polar.csv");
     write_file(folder / "sets.toml", description);
     EXPECT_LT(distance(generic("sets.toml"), "i_phase_", fixed(), "i_"), 0.01);
     // The polar map itself is another computation, with points 57 A and 15 degrees apart.
-    EXPECT_LT(distance(axes, "i_phase_", generic(examples + "generic/ipm48s8p-sets.model.toml"), "i_phase_"), 0.02);
+    EXPECT_LT(distance(axes, "i_phase_", generic(example_folder + "generic/ipm48s8p-sets.model.toml"), "i_phase_"),
+              0.02);
 }
 
 }  // namespace

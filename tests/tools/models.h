@@ -2,12 +2,15 @@
 #pragma once
 
 #include <functional>
+#include <numbers>
 #include <string>
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
 
 namespace kzb::test {
+
+inline constexpr double radians_of_degree = std::numbers::pi / 180.0;
 
 // Writes the binary file that `fill` puts together.
 void write_model(const std::string& path, const std::function<void(KZB_STORE*)>& fill);

@@ -42,8 +42,8 @@ int output_at(const std::string& path) {
     _exit(127);
 }
 
-pid_t start(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
-            const std::map<std::string, std::string>& environment, int out, int err) {
+pid_t start_kzb(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                const std::map<std::string, std::string>& environment, int out, int err) {
     const pid_t child = fork();
     if (child == 0) {
         become_kzb(arguments, folder, environment, out, err);
@@ -74,7 +74,7 @@ Finished run_kzb(const std::vector<std::string>& arguments, const std::filesyste
     const int out = output_at(outputs / "out");
     const int err = output_at(outputs / "err");
     Finished finished;
-    wait_for(start(arguments, folder, environment, out, err), finished);
+    wait_for(start_kzb(arguments, folder, environment, out, err), finished);
     close(out);
     close(err);
     finished.out = read_file(outputs / "out");
@@ -84,7 +84,7 @@ Finished run_kzb(const std::vector<std::string>& arguments, const std::filesyste
 
 Finished run_kzb_for(const std::vector<std::string>& arguments, const std::filesystem::path& folder, double seconds) {
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    const pid_t child = start(arguments, folder, {}, nowhere, nowhere);
+    const pid_t child = start_kzb(arguments, folder, {}, nowhere, nowhere);
     close(nowhere);
     Finished finished;
     const auto limit = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
@@ -110,7 +110,7 @@ Finished run_kzb_on_terminal(const std::vector<std::string>& arguments, const st
         throw std::runtime_error("no terminal for the test");
     }
     const int terminal = open(ptsname(master), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    const pid_t child = start(arguments, folder, environment, out, terminal);
+    const pid_t child = start_kzb(arguments, folder, environment, out, terminal);
     close(terminal);
     Finished finished;
     char block[4096];
@@ -128,35 +128,13 @@ Finished run_kzb_on_terminal(const std::vector<std::string>& arguments, const st
     return finished;
 }
 
-Folder::Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "kzb-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error("no folder for the test");
+Finished build_linear_wound_field(const Folder& folder) {
+    std::vector<std::string> arguments{"build", "wfsm", "--field", "winding", "--position-step", "5", "--out", "m.kzb"};
+    for (const char* word : {"pole_pairs=2", "resistance=0.5", "field_resistance=2", "d_inductance=0.01",
+                             "q_inductance=0.006", "mutual_inductance=0.05", "field_inductance=0.5"}) {
+        arguments.insert(arguments.end(), {"--parameter", word});
     }
-    path_ = name;
-}
-
-Folder::~Folder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
-std::vector<std::string> Folder::names() const {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void write_file(const std::string& path, const std::string& content) {
-    std::ofstream(path, std::ios::binary) << content;
+    return run_kzb(arguments, folder.path());
 }
 
 int line_count(const std::string& text) {

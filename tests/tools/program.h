@@ -1,10 +1,12 @@
-// Runs the built kzb and holds what it said; a folder of its own for each test.
+// Runs the built kzb and holds what it said.
 #pragma once
 
 #include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
+
+#include "support/files.h"
 
 namespace kzb::test {
 
@@ -26,23 +28,12 @@ Finished run_kzb_for(const std::vector<std::string>& arguments, const std::files
 Finished run_kzb_on_terminal(const std::vector<std::string>& arguments, const std::filesystem::path& folder = ".",
                              const std::map<std::string, std::string>& environment = {}, const std::string& until = {});
 
-// An empty folder that goes away with its object.
-class Folder {
-  public:
-    Folder();
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    const std::filesystem::path& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-    std::vector<std::string> names() const;  // of all files, sorted
+using kzb_test::Folder;
+using kzb_test::read_file;
+using kzb_test::write_file;
 
-  private:
-    std::filesystem::path path_;
-};
-
-std::string read_file(const std::string& path);
-void write_file(const std::string& path, const std::string& content);
+// Builds m.kzb in the folder: a wound-field machine of two pole pairs whose inductances are constant.
+Finished build_linear_wound_field(const Folder& folder);
 
 int line_count(const std::string& text);
 

@@ -17,7 +17,7 @@ using testing::AnyOf;
 const std::string scenario_head = "drive = \"voltage\"\n";
 const std::string scenario_tail = "[time]\nstep = 1e-4\nstop = 1e-3\n[sources]\nall = 1\n";
 
-std::string damaged(std::string content, std::mt19937& random) {
+std::string damaged_model(std::string content, std::mt19937& random) {
     const auto below = [&random](std::size_t limit) { return static_cast<std::size_t>(random()) % limit; };
     for (std::size_t k = 0, changes = 1 + below(4); k < changes && !content.empty(); ++k) {
         switch (below(4)) {
@@ -45,7 +45,7 @@ TEST_P(Damaged, a_model_file_ends_in_an_exit_code_and_leaves_no_half_output) {
     const std::string good = read_file(folder / "good.kzb");
     std::mt19937 random(7);  // fixed: the same files in every run
     for (int k = 0; k < 30; ++k) {
-        write_file(folder / "bad.kzb", damaged(good, random));
+        write_file(folder / "bad.kzb", damaged_model(good, random));
         const Finished info = run_kzb({"info", "--json", "bad.kzb"}, folder.path());
         EXPECT_THAT(info.code, AnyOf(0, 3)) << k << info.err;
         if (info.code == 0) {
@@ -71,7 +71,7 @@ TEST(Robustness, a_damaged_scenario_ends_in_an_exit_code) {
                              "[mechanics]\ntype = \"rotor\"\ninertia = 1e-3\nload = { type = \"dc\", value = 1 }\n";
     std::mt19937 random(11);
     for (int k = 0; k < 80; ++k) {
-        write_file(folder / "s.toml", damaged(good, random));
+        write_file(folder / "s.toml", damaged_model(good, random));
         // A damaged number can make the run long; being ended is then no fault.
         const Finished finished = run_kzb_for({"run", "m.kzb", "s.toml"}, folder.path(), 0.5);
         EXPECT_THAT(finished.signal, AnyOf(0, SIGTERM)) << k;

@@ -1,41 +1,22 @@
 // kzb run tells for every machine how many passes its steps took, and how many did not converge.
-#include <cstdlib>
-
 #include "gmock/gmock.h"
 #include "gtest/gtest.h"
 #include "nlohmann/json.hpp"
+#include "support/environment.h"
 #include "tools/models.h"
 #include "tools/program.h"
 
 namespace kzb::test {
 namespace {
 
+using kzb_test::Environment;  // seen by the program that the test starts
 using nlohmann::json;
 using testing::HasSubstr;
 
-// Seen by the program that the test starts.
-class Variable {
-  public:
-    Variable(const char* name, const char* value) : name_(name) { ::setenv(name, value, 1); }
-    ~Variable() { ::unsetenv(name_); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-  private:
-    const char* name_;
-};
-
 class RunPasses : public testing::Test {
   protected:
-    // Constant inductances.
     void build_wound_field() {
-        std::vector<std::string> arguments{"build",           "wfsm", "--field", "winding",
-                                           "--position-step", "5",    "--out",   "m.kzb"};
-        for (const char* word : {"pole_pairs=2", "resistance=0.5", "field_resistance=2", "d_inductance=0.01",
-                                 "q_inductance=0.006", "mutual_inductance=0.05", "field_inductance=0.5"}) {
-            arguments.insert(arguments.end(), {"--parameter", word});
-        }
-        const Finished done = run_kzb(arguments, folder.path());
+        const Finished done = build_linear_wound_field(folder);
         ASSERT_EQ(done.code, 0) << done.err;
     }
     Finished run(const std::string& scenario, const std::vector<std::string>& more = {}) {
@@ -51,8 +32,8 @@ class RunPasses : public testing::Test {
 };
 
 // 11 samples from 1e-4 s on, the first of which is not solved.
-const std::string time_head = "[time]\nstart = 1e-4\nstep = 1e-4\nstop = 1.1e-3\n";
-const std::string field = "drive = \"voltage\"\n" + time_head + "[sources]\nu = 0\nv = 0\nw = 0\nf = 20\n";
+const std::string late_time_head = "[time]\nstart = 1e-4\nstep = 1e-4\nstop = 1.1e-3\n";
+const std::string field = "drive = \"voltage\"\n" + late_time_head + "[sources]\nu = 0\nv = 0\nw = 0\nf = 20\n";
 
 // A linear machine is solved by the first pass of a step; the second finds no change.
 TEST_F(RunPasses, linear_wound_field_machine_takes_two_passes_a_step) {
@@ -72,8 +53,8 @@ TEST_F(RunPasses, linear_wound_field_machine_takes_two_passes_a_step) {
 // No change is below a tolerance of nothing.
 TEST_F(RunPasses, steps_of_a_wound_field_machine_that_run_out_of_passes_are_warned_of) {
     build_wound_field();
-    const Variable tolerance("DORN_KZ_DEBUG_ITR", "0");
-    const Variable most("DORN_KZ_DEBUG_NITR", "3");
+    const Environment tolerance("DORN_KZ_DEBUG_ITR", "0");
+    const Environment most("DORN_KZ_DEBUG_NITR", "3");
     const json told = passes(field);
     EXPECT_EQ(told["passes"], 30);
     EXPECT_EQ(told["most"], 3);
@@ -84,7 +65,7 @@ TEST_F(RunPasses, steps_of_a_wound_field_machine_that_run_out_of_passes_are_warn
 
 TEST_F(RunPasses, given_currents_are_not_solved) {
     build_wound_field();
-    const std::string scenario = "drive = \"current\"\n" + time_head + "[sources]\nu = 0\nv = 8\nw = -8\nf = 4\n";
+    const std::string scenario = "drive = \"current\"\n" + late_time_head + "[sources]\nu = 0\nv = 8\nw = -8\nf = 4\n";
     const json told = passes(scenario);
     EXPECT_EQ(told["solved_steps"], 0);
     EXPECT_EQ(told["passes"], 0);
@@ -94,7 +75,7 @@ TEST_F(RunPasses, given_currents_are_not_solved) {
 
 TEST_F(RunPasses, machine_that_does_not_iterate_takes_one_pass_a_step) {
     write_constant_machine(folder / "m.kzb");
-    const std::string scenario = "drive = \"voltage\"\n" + time_head + "[sources]\nall = 0\n";
+    const std::string scenario = "drive = \"voltage\"\n" + late_time_head + "[sources]\nall = 0\n";
     const json told = passes(scenario);
     EXPECT_EQ(told["iterates"], false);
     EXPECT_EQ(told["solved_steps"], 11);

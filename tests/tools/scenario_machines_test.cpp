@@ -27,13 +27,7 @@ class ScenarioMachines : public testing::Test {
         ASSERT_EQ(done.code, 0) << done.err;
     }
     void build_wound_field() {
-        std::vector<std::string> arguments{"build",           "wfsm", "--field", "winding",
-                                           "--position-step", "5",    "--out",   "m.kzb"};
-        for (const char* word : {"pole_pairs=2", "resistance=0.5", "field_resistance=2", "d_inductance=0.01",
-                                 "q_inductance=0.006", "mutual_inductance=0.05", "field_inductance=0.5"}) {
-            arguments.insert(arguments.end(), {"--parameter", word});
-        }
-        const Finished done = run_kzb(arguments, folder.path());
+        const Finished done = build_linear_wound_field(folder);
         ASSERT_EQ(done.code, 0) << done.err;
     }
     json run(const std::string& scenario) {

@@ -10,7 +10,7 @@ namespace {
 
 using testing::ElementsAre;
 
-SwitchingData data() {
+SwitchingData switching_data() {
     SwitchingData d;
     d.voltage = Waveform(Constant{100.0});
     d.turn_on = 30.0;
@@ -24,7 +24,7 @@ Interval angles(double from, double to) {
 }
 
 TEST(AngleSwitching, part_within_turn_on_is_that_of_the_angles_passed) {
-    const SwitchingData d = data();
+    const SwitchingData d = switching_data();
     EXPECT_DOUBLE_EQ(AngleSwitching::part_on(d, 0.0, 30.0), 0.0);
     EXPECT_DOUBLE_EQ(AngleSwitching::part_on(d, 30.0, 45.0), 1.0);
     EXPECT_DOUBLE_EQ(AngleSwitching::part_on(d, 25.0, 35.0), 0.5);
@@ -37,7 +37,7 @@ TEST(AngleSwitching, part_within_turn_on_is_that_of_the_angles_passed) {
 }
 
 TEST(AngleSwitching, phases_take_their_turn_ahead_by_a_part_of_the_period) {
-    AngleSwitching supply(data(), 4);  // own angles 15 degrees apart
+    AngleSwitching supply(switching_data(), 4);  // own angles 15 degrees apart
     supply.begin(angles(30.0, 31.0));
     EXPECT_EQ(supply.input(0).voltage, 100.0);
     EXPECT_TRUE(supply.input(0).connected);
@@ -51,7 +51,7 @@ TEST(AngleSwitching, phases_take_their_turn_ahead_by_a_part_of_the_period) {
 }
 
 TEST(AngleSwitching, current_that_flows_after_turn_off_sees_the_negative_voltage_until_it_is_gone) {
-    AngleSwitching supply(data(), 3);
+    AngleSwitching supply(switching_data(), 3);
     supply.begin(angles(44.0, 46.0));  // half on, half off: the mean is 0
     EXPECT_DOUBLE_EQ(supply.input(0).voltage, 0.0);
     EXPECT_TRUE(supply.input(0).connected);
@@ -69,7 +69,7 @@ TEST(AngleSwitching, current_that_flows_after_turn_off_sees_the_negative_voltage
 }
 
 TEST(AngleSwitching, freewheel_holds_the_phase_at_zero_volts) {
-    SwitchingData d = data();
+    SwitchingData d = switching_data();
     d.freewheel = true;
     AngleSwitching supply(d, 3);
     supply.accept({2.0, 0.0, 0.0});
@@ -80,7 +80,7 @@ TEST(AngleSwitching, freewheel_holds_the_phase_at_zero_volts) {
 }
 
 TEST(AngleSwitching, limit_switches_off_above_it_and_on_below_its_band) {
-    SwitchingData d = data();
+    SwitchingData d = switching_data();
     d.current_limit = 10.0;
     d.current_band = 2.0;
     AngleSwitching supply(d, 3);

@@ -12,17 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 
-void write_changed(const Folder& folder, void (*fill)(KZB_STORE*), const std::function<void(KZB_STORE*)>& change) {
-    write_model(folder / "m.kzb", [&](KZB_STORE* store) {
-        fill(store);
-        change(store);
-    });
-}
-
-void fill_ldlq(KZB_STORE* store) {
-    fill_constant_machine(store, {});
-}
-
 const auto zero = [](const auto&) { return 0.0; };
 
 struct Absent {

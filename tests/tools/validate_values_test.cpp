@@ -14,17 +14,9 @@ namespace {
 
 using testing::HasSubstr;
 
-void write_changed(const Folder& folder, const std::function<void(KZB_STORE*)>& change,
-                   void (*fill)(KZB_STORE*) = fill_harmonic) {
-    write_model(folder / "m.kzb", [&](KZB_STORE* store) {
-        fill(store);
-        change(store);
-    });
-}
-
 TEST(ValidateValues, values_that_are_no_numbers_are_counted_with_the_first_place) {
     const Folder folder;
-    write_changed(folder, [](KZB_STORE* store) {
+    write_changed(folder, fill_harmonic, [](KZB_STORE* store) {
         const int places[][3] = {{2, 1, 0}, {1, 3, 2}, {4, 0, 0}};
         const double values[] = {std::nan(""), -INFINITY, std::numeric_limits<double>::max()};
         for (int k = 0; k < 3; ++k) {
@@ -38,7 +30,8 @@ TEST(ValidateValues, values_that_are_no_numbers_are_counted_with_the_first_place
 
 TEST(ValidateValues, a_parameter_that_is_no_number_is_told) {
     const Folder folder;
-    write_changed(folder, [](KZB_STORE* store) { kzb_put_double("information", "inertia", std::nan(""), store); });
+    write_changed(folder, fill_harmonic,
+                  [](KZB_STORE* store) { kzb_put_double("information", "inertia", std::nan(""), store); });
     EXPECT_EQ(told(only_finding(folder)), "error parameter-not-finite information/inertia");
 }
 
@@ -57,14 +50,11 @@ TEST(ValidateParameters, a_motor_type_that_is_absent_of_another_kind_or_unknown_
 TEST(ValidateParameters, poles_are_even_and_from_two) {
     const Folder folder;
     for (const auto& [poles, severity] : {std::pair{0, "error"}, std::pair{-4, "error"}, std::pair{1, "error"}}) {
-        write_changed(
-            folder, [p = poles](KZB_STORE* store) { kzb_put_int("control", "number_of_poles", p, store); },
-            [](KZB_STORE* store) { fill_constant_machine(store, {}); });
+        write_changed(folder, fill_ldlq,
+                      [p = poles](KZB_STORE* store) { kzb_put_int("control", "number_of_poles", p, store); });
         EXPECT_EQ(told(only_finding(folder)), std::string(severity) + " poles control/number_of_poles") << poles;
     }
-    write_changed(
-        folder, [](KZB_STORE* store) { kzb_put_int("control", "number_of_poles", 7, store); },
-        [](KZB_STORE* store) { fill_constant_machine(store, {}); });
+    write_changed(folder, fill_ldlq, [](KZB_STORE* store) { kzb_put_int("control", "number_of_poles", 7, store); });
     EXPECT_EQ(told(only_finding(folder)), "warning poles control/number_of_poles");
 }
 
@@ -88,8 +78,7 @@ TEST(ValidateParameters, poles_of_another_kind_are_read_as_none) {
 
 TEST(ValidateParameters, a_resistance_below_zero_is_an_error_and_an_absent_one_a_warning) {
     const Folder folder;
-    write_changed(
-        folder, [](KZB_STORE* store) { kzb_put_double("parameter", "RF", -0.1, store); }, fill_wound_field);
+    write_changed(folder, fill_wound_field, [](KZB_STORE* store) { kzb_put_double("parameter", "RF", -0.1, store); });
     EXPECT_EQ(told(only_finding(folder)), "error resistance parameter/RF");
     write_model(folder / "m.kzb", [](KZB_STORE* store) {
         fill_induction(store);
@@ -105,14 +94,14 @@ TEST(ValidateParameters, a_resistance_below_zero_is_an_error_and_an_absent_one_a
 
 TEST(ValidateParameters, a_connection_is_star_or_delta) {
     const Folder folder;
-    write_changed(folder, [](KZB_STORE* store) { kzb_put_int("control", "Winding_Pattern_Flag", 2, store); });
+    write_changed(folder, fill_harmonic,
+                  [](KZB_STORE* store) { kzb_put_int("control", "Winding_Pattern_Flag", 2, store); });
     EXPECT_EQ(told(only_finding(folder)), "error connection control/Winding_Pattern_Flag");
 }
 
 TEST(ValidateParameters, a_wound_field_machine_tells_what_its_axes_are) {
     const Folder folder;
-    write_changed(
-        folder, [](KZB_STORE* store) { kzb_put_int("control", "current_type", 2, store); }, fill_wound_field);
+    write_changed(folder, fill_wound_field, [](KZB_STORE* store) { kzb_put_int("control", "current_type", 2, store); });
     const auto findings = findings_of(folder);
     ASSERT_FALSE(findings.empty());
     EXPECT_EQ(told(findings[0]), "error current-type control/current_type");

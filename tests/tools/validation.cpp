@@ -91,6 +91,10 @@ void put_harmonic_torque(KZB_STORE* store, const char* category, double factor) 
     set_cyclic(store, category, "torque_ibeta", {1, 2});
 }
 
+void fill_ldlq(KZB_STORE* store) {
+    fill_constant_machine(store, {});
+}
+
 void fill_harmonic(KZB_STORE* store) {
     fill_machine(store, 10000, 3);
     put_table(store, "current_flux", "flux", {amplitudes, phases, positions(), {0.0, 1.0, 2.0}}, [](const auto& p) {
@@ -193,6 +197,13 @@ void fill_induction(KZB_STORE* store) {
         put_table(store, "InductionParam_HigherAccuracy", key, {{-100.0, 100.0}, {0.0, 50.0}},
                   [constant = value](const auto&) { return constant; });
     }
+}
+
+void write_changed(const Folder& folder, void (*fill)(KZB_STORE*), const std::function<void(KZB_STORE*)>& change) {
+    write_model(folder / "m.kzb", [&](KZB_STORE* store) {
+        fill(store);
+        change(store);
+    });
 }
 
 nlohmann::json findings_of(const Folder& folder) {

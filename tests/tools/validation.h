@@ -3,6 +3,7 @@
 // The machines are linear: psi_d = L_d i_d + psi_m, psi_q = L_q i_q in peak values, so every table has a closed form.
 #pragma once
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -33,6 +34,8 @@ std::vector<double> steps(double first, double last, double step);
 
 // The parameters of a rotary machine of four poles, without tables.
 void fill_machine(KZB_STORE* store, int motor_type, int accuracy_type);
+// Application LdLq, the same inductances at every current.
+void fill_ldlq(KZB_STORE* store);
 // Application Harmonic; a torque ripple of 10 N m with six periods to an electrical one stands in its torque.
 void fill_harmonic(KZB_STORE* store);
 // The torque table alone, times `factor`.
@@ -45,6 +48,9 @@ void fill_flux_integral(KZB_STORE* store);
 void fill_wound_field(KZB_STORE* store);
 // An induction machine with tables of its own.
 void fill_induction(KZB_STORE* store);
+
+// m.kzb in `folder`: what `fill` makes, after the change.
+void write_changed(const Folder& folder, void (*fill)(KZB_STORE*), const std::function<void(KZB_STORE*)>& change);
 
 // What kzb validate --json tells of m.kzb in `folder`; the exit code is checked against it.
 nlohmann::json findings_of(const Folder& folder);

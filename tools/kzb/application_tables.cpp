@@ -8,8 +8,8 @@ namespace {
 
 constexpr const char* no_torque = "the torque is then formed from the change of coenergy";
 
-const std::vector<Application>& all() {
-    static const std::vector<Application> applications = {
+const std::vector<ApplicationTables>& all() {
+    static const std::vector<ApplicationTables> applications = {
         {"PMSM",
          "LdLq",
          {10000},
@@ -71,9 +71,9 @@ const std::vector<Application>& all() {
 
 }  // namespace
 
-std::vector<const Application*> applications_of(int motor_type) {
-    std::vector<const Application*> found;
-    for (const Application& application : all()) {
+std::vector<const ApplicationTables*> applications_of(int motor_type) {
+    std::vector<const ApplicationTables*> found;
+    for (const ApplicationTables& application : all()) {
         const auto& types = application.motor_types;
         if (std::find(types.begin(), types.end(), motor_type) != types.end()) {
             found.push_back(&application);

@@ -25,7 +25,7 @@ struct TableUse {
     bool optional = false;  // no finding where it is absent
 };
 
-struct Application {
+struct ApplicationTables {
     const char* motor;
     const char* word;  // of kzb_has_application
     std::vector<int> motor_types;
@@ -33,7 +33,7 @@ struct Application {
 };
 
 // The applications that the models of `motor_type` select, in the order of the documentation.
-std::vector<const Application*> applications_of(int motor_type);
+std::vector<const ApplicationTables*> applications_of(int motor_type);
 
 // The layout among `layouts` of a table with `dim` axes; null when none has so many.
 const Layout* layout_of(const TableUse& use, int dim);

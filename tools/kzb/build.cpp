@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -22,7 +21,7 @@ namespace kzb::tool {
 namespace {
 
 // What the command line gives in words.
-struct Words {
+struct PmsmWords {
     PmsmOptions pmsm;
     std::vector<std::string> applications{"Harmonic"};
     std::vector<std::string> columns;
@@ -32,7 +31,7 @@ struct Words {
 };
 
 // Each application once.
-void read_applications(Words& words) {
+void read_applications(PmsmWords& words) {
     using enum Application;
     std::vector<Application>& wanted = words.pmsm.model.applications;
     wanted.clear();
@@ -45,7 +44,7 @@ void read_applications(Words& words) {
     static_cast<void>(accuracy_type_of(wanted));  // refuses a set that one file cannot serve
 }
 
-void read_columns(Words& words) {
+void read_columns(PmsmWords& words) {
     for (const std::string& text : words.columns) {
         const auto [quantity, header] = split_assignment("--column", text, "QUANTITY=HEADER or QUANTITY=HEADER:UNIT");
         if (!is_quantity(quantity)) {
@@ -56,16 +55,7 @@ void read_columns(Words& words) {
     }
 }
 
-// Whole number of steps in `range`, which the grid needs to hold its ends and quarters.
-std::size_t whole_steps(const char* option, double range, double step) {
-    const double steps = std::round(range / step);
-    if (steps < 1.0 || std::fabs(steps * step - range) > 1e-9 * range) {
-        throw Failure(exit_usage, fmt::format("{} {:g}: expected a whole part of {:g} degrees", option, step, range));
-    }
-    return static_cast<std::size_t>(steps);
-}
-
-void complete(Words& words) {
+void complete(PmsmWords& words) {
     read_applications(words);
     read_columns(words);
     words.pmsm.model.information = read_information(words.information);
@@ -86,7 +76,7 @@ void complete(Words& words) {
     }
 }
 
-void run(Words words, const Context& context) {
+void run(PmsmWords words, const Context& context) {
     complete(words);
     const PmsmOptions& options = words.pmsm;
     const PmsmBuild build = build_pmsm(options);
@@ -99,7 +89,7 @@ void run(Words words, const Context& context) {
                              : text_account(options, build, reports));
 }
 
-void add_file_options(CLI::App& app, Words& words) {
+void add_file_options(CLI::App& app, PmsmWords& words) {
     app.add_option("map", words.pmsm.map_path,
                    "Flux map: CSV with id, iq, psi_d, psi_q and, if known, theta_e, psi_0, "
                    "torque")
@@ -114,7 +104,7 @@ void add_file_options(CLI::App& app, Words& words) {
     app.add_flag("--json", words.json, "Account as JSON");
 }
 
-void add_machine_options(CLI::App& app, Words& words) {
+void add_machine_options(CLI::App& app, PmsmWords& words) {
     ModelOptions& model = words.pmsm.model;
     app.add_option("-a,--application", words.applications,
                    "LdLq, SimpleHarmonic, Harmonic, FluxIntegralDQTheta, or several with commas [Harmonic]")
@@ -148,7 +138,7 @@ void add_machine_options(CLI::App& app, Words& words) {
     app.add_option("--info", words.information, information_help());
 }
 
-void add_grid_options(CLI::App& app, Words& words) {
+void add_grid_options(CLI::App& app, PmsmWords& words) {
     GridOptions& grids = words.pmsm.grids;
     add_choice<Mirror>(app, "--mirror", words.pmsm.machine.mirror, {{"none", Mirror::none}, {"iq", Mirror::iq}},
                        "iq: q currents below zero by mirror symmetry about the d axis [none]");
@@ -177,7 +167,7 @@ void add_build(CLI::App& app, Context& context) {
     CLI::App* build = app.add_subcommand("build", "Makes a KZB model");
     build->require_subcommand(1);
     CLI::App* pmsm = build->add_subcommand("pmsm", "Makes a permanent-magnet synchronous machine from a flux map");
-    const auto words = std::make_shared<Words>();
+    const auto words = std::make_shared<PmsmWords>();
     add_file_options(*pmsm, *words);
     add_machine_options(*pmsm, *words);
     add_grid_options(*pmsm, *words);

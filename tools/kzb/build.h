@@ -1,11 +1,11 @@
 // `kzb build`: makes KZB models. build pmsm makes one from a flux map in CSV.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "kzb/build_pmsm.h"
+#include "kzb/json.h"
 
 namespace CLI {
 class App;
@@ -18,8 +18,7 @@ struct Context;
 // The account of a build, for people and for programs.
 std::string text_account(const PmsmOptions& options, const PmsmBuild& build,
                          const std::vector<DeviationReport>& reports);
-nlohmann::ordered_json json_account(const PmsmOptions& options, const PmsmBuild& build,
-                                    const std::vector<DeviationReport>& reports);
+Json json_account(const PmsmOptions& options, const PmsmBuild& build, const std::vector<DeviationReport>& reports);
 
 // Induction machines, from an equivalent circuit.
 void add_build_im(CLI::App& build, Context& context);

@@ -1,8 +1,7 @@
 // The account of a build: tables and deviations as text and as JSON.
-#include <filesystem>
-
 #include "fmt/format.h"
 #include "fmt/ranges.h"
+#include "kzb/account_figures.h"
 #include "kzb/build.h"
 #include "kzb/text.h"
 
@@ -16,10 +15,6 @@ std::string application_names(const PmsmOptions& options) {
         names.emplace_back(name_of(application));
     }
     return fmt::format("{}", fmt::join(names, ", "));
-}
-
-double percent_of(double part, double whole) {
-    return whole > 0.0 ? 100.0 * part / whole : 0.0;
 }
 
 std::string deviation_lines(const DeviationReport& report, const std::string& method) {
@@ -37,19 +32,6 @@ std::string deviation_lines(const DeviationReport& report, const std::string& me
         text += fmt::format("  {} lookups left their table\n", report.out_of_table);
     }
     return text;
-}
-
-nlohmann::ordered_json axis_json(const TableAxis& axis) {
-    return {{"first", axis.nodes.front()},
-            {"last", axis.nodes.back()},
-            {"nodes", axis.nodes.size()},
-            {"cyclic", axis.cyclic}};
-}
-
-std::uintmax_t size_of_file(const std::string& path) {
-    std::error_code ignored;
-    const std::uintmax_t size = std::filesystem::file_size(path, ignored);
-    return ignored ? 0 : size;
 }
 
 }  // namespace
@@ -72,9 +54,8 @@ std::string text_account(const PmsmOptions& options, const PmsmBuild& build,
     return text;
 }
 
-nlohmann::ordered_json json_account(const PmsmOptions& options, const PmsmBuild& build,
-                                    const std::vector<DeviationReport>& reports) {
-    nlohmann::ordered_json account;
+Json json_account(const PmsmOptions& options, const PmsmBuild& build, const std::vector<DeviationReport>& reports) {
+    Json account;
     account["file"] = valid_utf8(options.out_path);
     account["bytes"] = size_of_file(options.out_path);
     account["motor"] = "PMSM";
@@ -86,14 +67,14 @@ nlohmann::ordered_json json_account(const PmsmOptions& options, const PmsmBuild&
                        {"phase_deg", axis_json(build.grids.phase)},
                        {"position_deg", axis_json(build.grids.position)}};
     account["notes"] = build.notes;
-    account["deviations"] = nlohmann::ordered_json::array();
+    account["deviations"] = Json::array();
     for (const DeviationReport& report : reports) {
-        nlohmann::ordered_json entry{{"application", name_of(report.application)},
-                                     {"against", report.against},
-                                     {"method", options.method},
-                                     {"points", report.points},
-                                     {"left_out", report.left_out},
-                                     {"lookups_out_of_table", report.out_of_table}};
+        Json entry{{"application", name_of(report.application)},
+                   {"against", report.against},
+                   {"method", options.method},
+                   {"points", report.points},
+                   {"left_out", report.left_out},
+                   {"lookups_out_of_table", report.out_of_table}};
         for (const Deviation& d : report.deviations) {
             entry[d.quantity] = {
                 {"unit", d.unit},  {"largest", d.largest},       {"rms", d.rms}, {"scale", d.scale}, {"at_id_A", d.id},

@@ -1,8 +1,5 @@
 #include "kzb/build_applications.h"
 
-#include <cmath>
-#include <numbers>
-
 #include "fmt/format.h"
 #include "kzb/command.h"
 
@@ -25,7 +22,7 @@ template <class Body>
 void each_point(const MachineMap& map, const TableGrids& grids, Body body) {
     for (const double amplitude : grids.amplitude.nodes) {
         for (std::size_t j = 0; j < grids.phase.nodes.size(); ++j) {
-            const PolarCurrent i = current_at(amplitude, grids.phase.nodes[distinct(grids.phase, j)]);
+            const DqCurrent i = current_at(amplitude, grids.phase.nodes[distinct(grids.phase, j)]);
             for (std::size_t n = 0; n < grids.position.nodes.size(); ++n) {
                 const std::size_t k = distinct(grids.position, n);
                 body(i, k, map.theta_deg(k));
@@ -142,7 +139,7 @@ void put_torque(KZB_STORE* store, const char* category, const MachineMap& map, c
         const double phase = grids.phase.nodes[distinct(grids.phase, j)];
         for (std::size_t n = 0; n < grids.position.nodes.size(); ++n) {
             for (const double amplitude : grids.amplitude.nodes) {
-                const PolarCurrent i = current_at(amplitude, phase);
+                const DqCurrent i = current_at(amplitude, phase);
                 values.push_back(map.at(i.id, i.iq, distinct(grids.position, n)).torque);
             }
         }
@@ -153,7 +150,7 @@ void put_torque(KZB_STORE* store, const char* category, const MachineMap& map, c
 void put_harmonic(KZB_STORE* store, const MachineMap& map, const TableGrids& grids, const ApplicationOptions& options) {
     std::vector<double> flux;
     std::vector<double> inductance;
-    each_point(map, grids, [&](const PolarCurrent& i, std::size_t k, double theta) {
+    each_point(map, grids, [&](const DqCurrent& i, std::size_t k, double theta) {
         const MachinePoint point = map.at(i.id, i.iq, k);
         const auto psi = winding_flux(point, theta);
         const auto l = winding_inductance(point, theta, options.zero_inductance);
@@ -191,14 +188,14 @@ void put_ldlq(KZB_STORE* store, const MachineMap& map, const TableGrids& grids) 
     for (std::size_t j = 0; j < grids.phase.nodes.size(); ++j) {
         const double phase = grids.phase.nodes[distinct(grids.phase, j)];
         for (const double amplitude : grids.amplitude.nodes) {
-            const PolarCurrent i = current_at(amplitude, phase);
+            const DqCurrent i = current_at(amplitude, phase);
             const MachinePoint p = map.mean(i.id, i.iq);
             ld.push_back(bounded_secant(p.psi_d - noload.psi_d, i.id, map.mean(0.0, i.iq).l_dd, eps));
             lq.push_back(bounded_secant(p.psi_q - noload.psi_q, i.iq, map.mean(i.id, 0.0).l_qq, eps));
             torque.push_back(p.torque);
         }
     }
-    kzb_put_double("d_flux", "d_flux", std::sqrt(1.5) * noload.psi_d, store);
+    kzb_put_double("d_flux", "d_flux", power_invariant_factor * noload.psi_d, store);
     put_table(store, "dq_inductance", "d_inductance", {grids.phase, grids.amplitude}, ld);
     put_table(store, "dq_inductance", "q_inductance", {grids.phase, grids.amplitude}, lq);
     put_table(store, "dq_torque", "torque_ibeta", {grids.phase, grids.amplitude}, torque);

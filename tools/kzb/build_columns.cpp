@@ -15,35 +15,35 @@ namespace kzb::tool {
 
 namespace {
 
-struct Unit {
+struct ColumnUnit {
     std::string_view name;
     double scale;
 };
 
-constexpr std::array<Unit, 3> current_units{{{"A", 1.0}, {"mA", 1e-3}, {"kA", 1e3}}};
-constexpr std::array<Unit, 4> flux_units{{{"Vs", 1.0}, {"Wb", 1.0}, {"mVs", 1e-3}, {"mWb", 1e-3}}};
-constexpr std::array<Unit, 2> angle_units{{{"deg", 1.0}, {"rad", 180.0 / std::numbers::pi}}};
-constexpr std::array<Unit, 3> torque_units{{{"Nm", 1.0}, {"mNm", 1e-3}, {"kNm", 1e3}}};
-constexpr std::array<Unit, 3> force_units{{{"N", 1.0}, {"mN", 1e-3}, {"kN", 1e3}}};
-constexpr std::array<Unit, 2> length_units{{{"m", 1.0}, {"mm", 1e-3}}};
+constexpr std::array<ColumnUnit, 3> current_units{{{"A", 1.0}, {"mA", 1e-3}, {"kA", 1e3}}};
+constexpr std::array<ColumnUnit, 4> flux_units{{{"Vs", 1.0}, {"Wb", 1.0}, {"mVs", 1e-3}, {"mWb", 1e-3}}};
+constexpr std::array<ColumnUnit, 2> angle_units{{{"deg", 1.0}, {"rad", 180.0 / std::numbers::pi}}};
+constexpr std::array<ColumnUnit, 3> torque_units{{{"Nm", 1.0}, {"mNm", 1e-3}, {"kNm", 1e3}}};
+constexpr std::array<ColumnUnit, 3> force_units{{{"N", 1.0}, {"mN", 1e-3}, {"kN", 1e3}}};
+constexpr std::array<ColumnUnit, 2> length_units{{{"m", 1.0}, {"mm", 1e-3}}};
 
 struct Quantity {
     std::string_view name;
     std::vector<std::string_view> headers;  // without the unit
-    const Unit* units;
+    const ColumnUnit* units;
     std::size_t unit_count;
     bool of_coils = false;  // of machines of separate coils, not of flux maps over dq currents
 };
 
 template <std::size_t N>
 Quantity quantity(std::string_view name, std::initializer_list<std::string_view> headers,
-                  const std::array<Unit, N>& units) {
+                  const std::array<ColumnUnit, N>& units) {
     return {name, headers, units.data(), N};
 }
 
 template <std::size_t N>
 Quantity coil_quantity(std::string_view name, std::initializer_list<std::string_view> headers,
-                       const std::array<Unit, N>& units) {
+                       const std::array<ColumnUnit, N>& units) {
     return {name, headers, units.data(), N, true};
 }
 
@@ -76,7 +76,7 @@ const Quantity* quantity_named(std::string_view name) {
 }
 
 std::optional<double> unit_scale(const Quantity& q, std::string_view unit) {
-    for (const Unit& u : std::vector<Unit>(q.units, q.units + q.unit_count)) {
+    for (const ColumnUnit& u : std::vector<ColumnUnit>(q.units, q.units + q.unit_count)) {
         if (u.name == unit) {
             return u.scale;
         }

@@ -5,15 +5,14 @@
 #include <cmath>
 #include <numeric>
 
+#include "kzb/build_outcome.h"
+#include "kzb/deviation_sum.h"
+
 namespace kzb::tool {
 
 namespace {
 
-constexpr int below_range = 80001;
-constexpr int above_range = 80002;
-const double power_invariant = std::sqrt(1.5);
-
-struct SourcePoint {
+struct MapPoint {
     double id, iq, theta, psi_d, psi_q, torque;
 };
 
@@ -31,15 +30,15 @@ bool tells_torque(const SourceMap& map) {
 }
 
 // The points of the map, torque 0 where the map does not tell it.
-std::vector<SourcePoint> points_of(const SourceMap& map, double pole_pairs, bool means) {
-    std::vector<SourcePoint> points;
+std::vector<MapPoint> points_of_map(const SourceMap& map, double pole_pairs, bool means) {
+    std::vector<MapPoint> points;
     const std::size_t positions = map.theta.size();
     for (std::size_t i = 0; i < map.id.size(); ++i) {
         for (std::size_t j = 0; j < map.iq.size(); ++j) {
             for (std::size_t k = 0; k < (means ? 1 : positions); ++k) {
                 const std::size_t n = map.index(i, j, k);
                 const std::size_t count = means ? positions : 1;
-                SourcePoint p{
+                MapPoint p{
                     map.id[i], map.iq[j], map.theta[k], mean_of(map.psi_d, n, count), mean_of(map.psi_q, n, count),
                     0.0};
                 if (!map.torque.empty()) {
@@ -54,31 +53,6 @@ std::vector<SourcePoint> points_of(const SourceMap& map, double pole_pairs, bool
     return points;
 }
 
-// Lookups of one store in one method, counting those that leave a table.
-class Lookups {
-  public:
-    Lookups(KZB_STORE* store, std::string method) : store_(store), method_(std::move(method)) {}
-    template <std::size_t N>
-    double at(const char* category, const char* key, const std::array<double, N>& where) {
-        return with(method_.c_str(), category, key, where);
-    }
-    template <std::size_t N>
-    double with(const char* method, const char* category, const char* key, const std::array<double, N>& where) {
-        kzb_reset_error(store_);
-        const double value = kzb_get_table_interpolated_value(category, key, where.data(), method, store_);
-        const int error = kzb_has_error(store_);
-        out_of_table_ += error == below_range || error == above_range ? 1U : 0U;
-        kzb_reset_error(store_);
-        return value;
-    }
-    std::size_t out_of_table() const { return out_of_table_; }
-
-  private:
-    KZB_STORE* store_;
-    std::string method_;
-    std::size_t out_of_table_ = 0;
-};
-
 // Amplitude-invariant Park transform of winding quantities.
 std::array<double, 2> park(const std::array<double, 3>& winding, double theta) {
     double d = 0.0;
@@ -92,83 +66,52 @@ std::array<double, 2> park(const std::array<double, 3>& winding, double theta) {
 }
 
 struct Asked {
-    SourcePoint point;
+    MapPoint point;
     double amplitude, phase, position;
 };
 
-Answer ask_harmonic(Lookups& tables, const Asked& asked) {
+Answer ask_harmonic(OutcomeLookup& tables, const Asked& asked) {
     std::array<double, 3> flux{};
     for (std::size_t k = 0; k < 3; ++k) {
-        flux[k] = tables.at<4>("current_flux", "flux",
-                               {asked.amplitude, asked.phase, asked.position, static_cast<double>(k)});
+        flux[k] =
+            tables.at("current_flux", "flux", {asked.amplitude, asked.phase, asked.position, static_cast<double>(k)});
     }
     const auto dq = park(flux, asked.point.theta);
-    return {dq[0], dq[1],
-            tables.at<3>("harmonic_torque", "torque_ibeta", {asked.phase, asked.position, asked.amplitude})};
+    return {dq[0], dq[1], tables.at("harmonic_torque", "torque_ibeta", {asked.phase, asked.position, asked.amplitude})};
 }
 
 // psi = magnet flux + L i, each column of L taken half a period on where its current is negative.
-Answer ask_simple_harmonic(Lookups& tables, const Asked& asked, double pole_pairs) {
+Answer ask_simple_harmonic(OutcomeLookup& tables, const Asked& asked, double pole_pairs) {
     std::array<double, 3> flux{};
     for (std::size_t row = 0; row < 3; ++row) {
-        flux[row] = tables.with<2>("Spline", "mag_flux", "flux", {asked.position, static_cast<double>(row)});
+        flux[row] = tables.with("Spline", "mag_flux", "flux", {asked.position, static_cast<double>(row)});
         for (std::size_t column = 0; column < 3; ++column) {
             const double angle = asked.point.theta - 120.0 * static_cast<double>(column);
             const double i = asked.point.id * cos_deg(angle) - asked.point.iq * sin_deg(angle);
             const double position = asked.position + (i < 0.0 ? 180.0 / pole_pairs : 0.0);
             const double element = static_cast<double>(3 * column + row);
-            flux[row] += i * tables.at<3>("inductance", "inductance", {asked.amplitude, position, element});
+            flux[row] += i * tables.at("inductance", "inductance", {asked.amplitude, position, element});
         }
     }
     const auto dq = park(flux, asked.point.theta);
-    return {dq[0], dq[1], tables.at<3>("torque", "torque_ibeta", {asked.phase, asked.position, asked.amplitude})};
+    return {dq[0], dq[1], tables.at("torque", "torque_ibeta", {asked.phase, asked.position, asked.amplitude})};
 }
 
-Answer ask_ldlq(Lookups& tables, const Asked& asked, double magnet_flux, double pole_pairs) {
-    const SourcePoint& p = asked.point;
+Answer ask_ldlq(OutcomeLookup& tables, const Asked& asked, double magnet_flux, double pole_pairs) {
+    const MapPoint& p = asked.point;
     const double psi_d =
-        magnet_flux + p.id * tables.at<2>("dq_inductance", "d_inductance", {asked.phase, asked.amplitude});
-    const double psi_q = p.iq * tables.at<2>("dq_inductance", "q_inductance", {asked.phase, asked.amplitude});
+        magnet_flux + p.id * tables.at("dq_inductance", "d_inductance", {asked.phase, asked.amplitude});
+    const double psi_q = p.iq * tables.at("dq_inductance", "q_inductance", {asked.phase, asked.amplitude});
     return {psi_d, psi_q, 1.5 * pole_pairs * (psi_d * p.iq - psi_q * p.id)};
 }
 
-Answer ask_flux_integral(Lookups& tables, const Asked& asked) {
-    const std::array<double, 3> flux{power_invariant * asked.point.psi_d, power_invariant * asked.point.psi_q,
-                                     asked.position};
-    return {tables.at<3>("current_table", "id", flux) / power_invariant,
-            tables.at<3>("current_table", "iq", flux) / power_invariant,
-            tables.at<3>("harmonic_torque", "torque_ibeta", {asked.phase, asked.position, asked.amplitude})};
+Answer ask_flux_integral(OutcomeLookup& tables, const Asked& asked) {
+    const std::vector<double> flux{power_invariant_factor * asked.point.psi_d,
+                                   power_invariant_factor * asked.point.psi_q, asked.position};
+    return {tables.at("current_table", "id", flux) / power_invariant_factor,
+            tables.at("current_table", "iq", flux) / power_invariant_factor,
+            tables.at("harmonic_torque", "torque_ibeta", {asked.phase, asked.position, asked.amplitude})};
 }
-
-class Comparison {
-  public:
-    Comparison(const char* quantity, const char* unit) {
-        deviation_.quantity = quantity;
-        deviation_.unit = unit;
-    }
-    void add(double told, double wanted, const SourcePoint& p) {
-        const double off = std::fabs(told - wanted);
-        deviation_.scale = std::max(deviation_.scale, std::fabs(wanted));
-        if (off > deviation_.largest) {
-            deviation_.largest = off;
-            deviation_.id = p.id;
-            deviation_.iq = p.iq;
-            deviation_.theta_deg = p.theta;
-        }
-        squares_ += off * off;
-        ++count_;
-    }
-    Deviation result() const {
-        Deviation d = deviation_;
-        d.rms = count_ == 0 ? 0.0 : std::sqrt(squares_ / static_cast<double>(count_));
-        return d;
-    }
-
-  private:
-    Deviation deviation_;
-    double squares_ = 0.0;
-    std::size_t count_ = 0;
-};
 
 // The phase brought onto the axis where a whole turn does it.
 double phase_on(const TableAxis& axis, double phase) {
@@ -184,16 +127,16 @@ DeviationReport compare_tables(KZB_STORE* store, Application application, const 
                                const TableGrids& grids, const MachineOptions& machine, const std::string& method,
                                bool means) {
     const bool from_flux = application == Application::FluxIntegralDQTheta;
-    std::vector<Comparison> comparisons;
+    std::vector<DeviationSum<Deviation>> comparisons;
     comparisons.emplace_back(from_flux ? "id" : "psi_d", from_flux ? "A" : "Vs");
     comparisons.emplace_back(from_flux ? "iq" : "psi_q", from_flux ? "A" : "Vs");
     comparisons.emplace_back("torque", "Nm");
     DeviationReport report;
     report.application = application;
     report.against = means ? "position means" : "points";
-    Lookups tables(store, method);
-    const double magnet_flux = kzb_get_double("d_flux", "d_flux", store) / power_invariant;
-    for (const SourcePoint& point : points_of(source, machine.pole_pairs, means)) {
+    OutcomeLookup tables(store, method);
+    const double magnet_flux = kzb_get_double("d_flux", "d_flux", store) / power_invariant_factor;
+    for (const MapPoint& point : points_of_map(source, machine.pole_pairs, means)) {
         Asked asked{point, std::hypot(point.id, point.iq), phase_on(grids.phase, phase_of(point.id, point.iq)),
                     std::fmod(point.theta - machine.beta_zero + 720.0, 360.0) / machine.pole_pairs};
         if (asked.amplitude > grids.current_max() * (1.0 + 1e-9)) {
@@ -217,9 +160,14 @@ DeviationReport compare_tables(KZB_STORE* store, Application application, const 
                 answer = ask_flux_integral(tables, asked);
                 break;
         }
-        comparisons[0].add(answer[0], from_flux ? point.id : point.psi_d, point);
-        comparisons[1].add(answer[1], from_flux ? point.iq : point.psi_q, point);
-        comparisons[2].add(answer[2], point.torque, point);
+        const Answer wanted{from_flux ? point.id : point.psi_d, from_flux ? point.iq : point.psi_q, point.torque};
+        for (std::size_t n = 0; n < wanted.size(); ++n) {
+            comparisons[n].add(answer[n] - wanted[n], wanted[n], [&point](Deviation& d) {
+                d.id = point.id;
+                d.iq = point.iq;
+                d.theta_deg = point.theta;
+            });
+        }
     }
     report.deviations = {comparisons[0].result(), comparisons[1].result()};
     if (tells_torque(source)) {

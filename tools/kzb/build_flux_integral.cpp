@@ -13,10 +13,8 @@ namespace kzb::tool {
 
 namespace {
 
-const double power_invariant = std::sqrt(1.5);
-
 // Space left around the flux linkages of the largest circle of currents, so that a run stays inside.
-constexpr double margin = 0.05;
+constexpr double flux_margin = 0.05;
 constexpr double rim_step_deg = 2.5;
 
 // Peak flux linkages that the currents of the grids reach, over all positions, with the margin. No flux at all is among
@@ -35,13 +33,13 @@ FluxRange reached_flux(const MachineMap& map, const TableGrids& grids) {
         include(map.at(0.0, 0.0, k));
         for (double phase = grids.phase.nodes.front(); phase <= grids.phase.nodes.back(); phase += rim_step_deg) {
             for (const double amplitude : {0.5 * grids.current_max(), grids.current_max()}) {
-                const PolarCurrent i = current_at(amplitude, phase);
+                const DqCurrent i = current_at(amplitude, phase);
                 include(map.at(i.id, i.iq, k));
             }
         }
     }
-    const double around_d = margin * (range.d_high - range.d_low);
-    const double around_q = margin * (range.q_high - range.q_low);
+    const double around_d = flux_margin * (range.d_high - range.d_low);
+    const double around_q = flux_margin * (range.q_high - range.q_low);
     return {range.d_low - around_d, range.d_high + around_d, range.q_low - around_q, range.q_high + around_q};
 }
 
@@ -71,8 +69,8 @@ void invert_plane(const MachineMap& map, std::size_t k, const TableAxis& flux_d,
     for (std::size_t a = 0; a < flux_d.nodes.size(); ++a) {
         DqCurrent start = line_start;
         for (std::size_t b = 0; b < flux_q.nodes.size(); ++b) {
-            const double psi_d = flux_d.nodes[a] / power_invariant;
-            const double psi_q = flux_q.nodes[b] / power_invariant;
+            const double psi_d = flux_d.nodes[a] / power_invariant_factor;
+            const double psi_q = flux_q.nodes[b] / power_invariant_factor;
             const auto found = invert_flux(map, k, psi_d, psi_q, start);
             if (!found) {
                 throw Failure(exit_file,
@@ -86,8 +84,8 @@ void invert_plane(const MachineMap& map, std::size_t k, const TableAxis& flux_d,
                 line_start = start;
             }
             const std::size_t place = (a * flux_q.nodes.size() + b) * positions + k;
-            tables.id[place] = power_invariant * start.id;
-            tables.iq[place] = power_invariant * start.iq;
+            tables.id[place] = power_invariant_factor * start.id;
+            tables.iq[place] = power_invariant_factor * start.iq;
             ++range.nodes;
             range.beyond_map += map.covers(start.id, start.iq) ? 0U : 1U;
         }
@@ -109,8 +107,8 @@ void put_noload_flux(KZB_STORE* store, const MachineMap& map, const TableGrids& 
     std::vector<double> zero;
     for (std::size_t n = 0; n < grids.position.nodes.size(); ++n) {
         const MachinePoint p = map.at(0.0, 0.0, n % map.position_count());
-        d.push_back(power_invariant * p.psi_d);
-        q.push_back(power_invariant * p.psi_q);
+        d.push_back(power_invariant_factor * p.psi_d);
+        q.push_back(power_invariant_factor * p.psi_q);
         zero.push_back(std::numbers::sqrt3 * p.psi_0);
     }
     put_table(store, "flux_table", "fd_noload", {grids.position}, d);
@@ -123,7 +121,7 @@ void put_zero_flux(KZB_STORE* store, const MachineMap& map, const TableGrids& gr
     for (const double amplitude : grids.amplitude.nodes) {
         for (std::size_t j = 0; j < grids.phase.nodes.size(); ++j) {
             const bool closing = grids.phase.cyclic && j + 1 == grids.phase.nodes.size();
-            const PolarCurrent i = current_at(amplitude, grids.phase.nodes[closing ? 0 : j]);
+            const DqCurrent i = current_at(amplitude, grids.phase.nodes[closing ? 0 : j]);
             for (std::size_t n = 0; n < grids.position.nodes.size(); ++n) {
                 zero.push_back(std::numbers::sqrt3 * map.at(i.id, i.iq, n % map.position_count()).psi_0);
             }
@@ -139,13 +137,13 @@ FluxRange put_flux_integral(KZB_STORE* store, const MachineMap& map, const Table
     require_monotone(map, source_name);
     FluxRange range = reached_flux(map, grids);
     for (double* bound : {&range.d_low, &range.d_high, &range.q_low, &range.q_high}) {
-        *bound *= power_invariant;
+        *bound *= power_invariant_factor;
     }
     const MachinePoint noload = map.mean(0.0, 0.0);
-    const TableAxis flux_d{nodes_through(range.d_low, power_invariant * noload.psi_d, range.d_high, grids.flux_nodes),
-                           false};
-    const TableAxis flux_q{nodes_through(range.q_low, power_invariant * noload.psi_q, range.q_high, grids.flux_nodes),
-                           false};
+    const TableAxis flux_d{
+        nodes_through(range.d_low, power_invariant_factor * noload.psi_d, range.d_high, grids.flux_nodes), false};
+    const TableAxis flux_q{
+        nodes_through(range.q_low, power_invariant_factor * noload.psi_q, range.q_high, grids.flux_nodes), false};
     const std::size_t positions = grids.position.nodes.size();
     CurrentTables tables;
     tables.id.resize(grids.flux_nodes * grids.flux_nodes * positions);

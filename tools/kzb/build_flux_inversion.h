@@ -8,13 +8,9 @@
 #include <optional>
 
 #include "kzb/build_machine_map.h"
+#include "kzb/dq_current.h"
 
 namespace kzb::tool {
-
-struct DqCurrent {
-    double id = 0.0;
-    double iq = 0.0;
-};
 
 // Current of the flux linkages at position k, searched from `start`; nothing where there is none within 100 times the
 // width of the map.

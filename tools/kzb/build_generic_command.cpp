@@ -1,9 +1,9 @@
 // `kzb build generic`: options, account as text and as JSON.
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 
 #include "fmt/format.h"
+#include "kzb/account_figures.h"
 #include "kzb/build.h"
 #include "kzb/build_generic.h"
 #include "kzb/build_pmsm.h"
@@ -18,7 +18,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct GenericBuildOptions {
     std::string description;
     std::string out;
     std::string form = "binary";
@@ -45,11 +45,10 @@ const char* form_of(const GenericDescription& description) {
     return description.axes.empty() ? "network" : description.set_form() ? "coil sets" : "table axes";
 }
 
-Json account_of(const Options& options, const GenericDescription& description, const GenericBuild& build,
+Json account_of(const GenericBuildOptions& options, const GenericDescription& description, const GenericBuild& build,
                 const KZB_STORE& written) {
-    std::error_code ignored;
     Json account{{"file", valid_utf8(options.out)},
-                 {"bytes", std::filesystem::file_size(options.out, ignored)},
+                 {"bytes", size_of_file(options.out)},
                  {"motor", "Generic"},
                  {"form", form_of(description)},
                  {"axes", Json::array()},
@@ -67,7 +66,7 @@ Json account_of(const Options& options, const GenericDescription& description, c
     return account;
 }
 
-std::string text_of(const Options& options, const Json& account) {
+std::string text_of(const GenericBuildOptions& options, const Json& account) {
     std::string text = fmt::format("{}: Generic, {}, {} bytes\n", printable_line(options.out),
                                    account["form"].get<std::string>(), account["bytes"].dump());
     for (const Json& axis : account["axes"]) {
@@ -78,7 +77,7 @@ std::string text_of(const Options& options, const Json& account) {
     return text + netlist_text(account["circuit"]);
 }
 
-void run(const Options& options, const Context& context) {
+void run(const GenericBuildOptions& options, const Context& context) {
     refuse_over_input(options.out, options.description, "the description");
     const GenericDescription description = read_generic_description(options.description);
     for (const TableText* table : {&description.flux, &description.force, &description.inductance,
@@ -100,7 +99,7 @@ void run(const Options& options, const Context& context) {
 
 void add_build_generic(CLI::App& build, Context& context) {
     CLI::App* app = build.add_subcommand("generic", "Makes a model of any circuit from its description");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<GenericBuildOptions>();
     app->add_option("description", options->description, "Description of circuit, motions and tables, in TOML")
         ->required()
         ->type_name("DESCRIPTION");

@@ -19,7 +19,7 @@ namespace {
 
 constexpr double same_place = 1e-6;  // of a period
 constexpr double same_value = 1e-6;  // of the largest value
-constexpr std::size_t value_limit = 100'000'000;
+constexpr std::size_t generic_value_limit = 100'000'000;
 
 std::vector<double> column_of(const CsvTable& csv, const ColumnText& column) {
     const auto at = csv.column(column.header);
@@ -200,9 +200,9 @@ BuiltTable read_table(const GenericDescription& description, const TableText& ta
         result.axes.push_back({nodes, false});
     }
     result.axes.push_back(component_axis(table.columns.size()));
-    if (grid.rows.size() > value_limit / table.columns.size()) {
+    if (grid.rows.size() > generic_value_limit / table.columns.size()) {
         throw_at(table.place, fmt::format("{} points of {} columns, expected at most {} values", grid.rows.size(),
-                                          table.columns.size(), value_limit));
+                                          table.columns.size(), generic_value_limit));
     }
     result.values.resize(grid.rows.size() * table.columns.size());
     for (std::size_t c = 0; c < table.columns.size(); ++c) {

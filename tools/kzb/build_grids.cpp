@@ -53,12 +53,20 @@ double cos_deg(double angle) {
     return sin_deg(std::remainder(angle, 360.0) + 90.0);
 }
 
-PolarCurrent current_at(double amplitude, double phase_deg) {
+DqCurrent current_at(double amplitude, double phase_deg) {
     return {-amplitude * sin_deg(phase_deg), amplitude * cos_deg(phase_deg)};
 }
 
 double phase_of(double id, double iq) {
     return std::atan2(-id, iq) * 57.29577951308232;
+}
+
+std::size_t whole_steps(const char* option, double range, double step) {
+    const double steps = std::round(range / step);
+    if (steps < 1.0 || std::fabs(steps * step - range) > 1e-9 * range) {
+        throw Failure(exit_usage, fmt::format("{} {:g}: expected a whole part of {:g} degrees", option, step, range));
+    }
+    return static_cast<std::size_t>(steps);
 }
 
 std::vector<double> even_nodes(double first, double last, std::size_t count) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kzb/build_machine_map.h"
+#include "kzb/dq_current.h"
 
 namespace kzb::tool {
 
@@ -45,13 +46,12 @@ double inner_radius(const MachineMap& map);
 double sin_deg(double angle);
 double cos_deg(double angle);
 
-struct PolarCurrent {
-    double id;
-    double iq;
-};
-PolarCurrent current_at(double amplitude, double phase_deg);
+DqCurrent current_at(double amplitude, double phase_deg);
 // Current phase in [-180, 180]: what the model forms from a current, and +-90 on the d axis.
 double phase_of(double id, double iq);
+
+// Whole number of steps of `option` in `range`, which a grid needs to hold its ends and quarters. Failure(exit_usage).
+std::size_t whole_steps(const char* option, double range, double step);
 
 // The nodes first, first + step, .. with the last exactly `last`.
 std::vector<double> even_nodes(double first, double last, std::size_t count);

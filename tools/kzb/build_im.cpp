@@ -18,7 +18,7 @@ namespace {
 
 constexpr int motor_type_im = 10006;
 constexpr const char* constants = "InductionParam";
-constexpr const char* tables = "InductionParam_HigherAccuracy";
+constexpr const char* category_of_tables = "InductionParam_HigherAccuracy";
 // Axes of tables that hold one value: no run leaves them.
 constexpr double any_slip = 1e6;
 constexpr double any_current = 1e9;
@@ -97,13 +97,13 @@ void put_circuit_tables(KZB_STORE* store, const ImBuild& build) {
         }
     }
     const std::vector<TableAxis> axes{build.slip, build.current};
-    put_table(store, tables, "L11_table", axes, l11);
-    put_table(store, tables, "M12_table", axes, m);
-    put_table(store, tables, "M21_table", axes, m);
-    put_table(store, tables, "L22_table", axes, l22);
-    put_table(store, tables, "R2_table", axes, std::vector<double>(m.size(), c.r2));
+    put_table(store, category_of_tables, "L11_table", axes, l11);
+    put_table(store, category_of_tables, "M12_table", axes, m);
+    put_table(store, category_of_tables, "M21_table", axes, m);
+    put_table(store, category_of_tables, "L22_table", axes, l22);
+    put_table(store, category_of_tables, "R2_table", axes, std::vector<double>(m.size(), c.r2));
     if (build.rated.iron_loss > 0.0) {
-        put_table(store, tables, "ironloss_table", axes, iron);
+        put_table(store, category_of_tables, "ironloss_table", axes, iron);
     }
 }
 

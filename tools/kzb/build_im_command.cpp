@@ -1,10 +1,10 @@
 // `kzb build im`: options, account as text and as JSON.
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 
 #include "fmt/format.h"
 #include "fmt/ranges.h"
+#include "kzb/account_figures.h"
 #include "kzb/build.h"
 #include "kzb/build_im.h"
 #include "kzb/build_pmsm.h"
@@ -20,7 +20,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Words {
+struct ImWords {
     ImOptions im;
     std::vector<std::string> information;
     bool json = false;
@@ -30,10 +30,6 @@ const char* application_name(const ImOptions& options) {
     return options.application == ImApplication::tables ? "InductionParam_HigherAccuracy" : "InductionParam";
 }
 
-double percent_of(double part, double whole) {
-    return whole > 0.0 ? 100.0 * part / whole : 0.0;
-}
-
 std::string axis_line(const char* name, const TableAxis& axis, const char* unit) {
     return axis.nodes.empty() ? std::string()
                               : fmt::format("  {:<9} {:g} to {:g} {}, {} nodes\n", name, axis.nodes.front(),
@@ -41,10 +37,9 @@ std::string axis_line(const char* name, const TableAxis& axis, const char* unit)
 }
 
 std::string text_of(const ImOptions& options, const ImBuild& build, const std::vector<ImDeviationReport>& reports) {
-    std::error_code ignored;
-    std::string text = fmt::format("{}: IM {}, {} poles, {} bytes\n", printable_line(options.out_path),
-                                   application_name(options), 2 * static_cast<int>(build.circuit.pole_pairs),
-                                   std::filesystem::file_size(options.out_path, ignored));
+    std::string text =
+        fmt::format("{}: IM {}, {} poles, {} bytes\n", printable_line(options.out_path), application_name(options),
+                    2 * static_cast<int>(build.circuit.pole_pairs), size_of_file(options.out_path));
     text += axis_line("slip", build.slip, "Hz");
     text += axis_line("current", build.current, "A peak");
     for (const ImDeviationReport& report : reports) {
@@ -61,20 +56,19 @@ std::string text_of(const ImOptions& options, const ImBuild& build, const std::v
     return text;
 }
 
-Json axis_json(const TableAxis& axis) {
+Json axis_span(const TableAxis& axis) {
     return {{"first", axis.nodes.front()}, {"last", axis.nodes.back()}, {"nodes", axis.nodes.size()}};
 }
 
 Json json_of(const ImOptions& options, const ImBuild& build, const std::vector<ImDeviationReport>& reports) {
-    std::error_code ignored;
     Json account{{"file", valid_utf8(options.out_path)},
-                 {"bytes", std::filesystem::file_size(options.out_path, ignored)},
+                 {"bytes", size_of_file(options.out_path)},
                  {"motor", "IM"},
                  {"application", application_name(options)},
                  {"number_of_poles", 2 * static_cast<int>(build.circuit.pole_pairs)},
                  {"axes", Json::object()}};
     if (!build.slip.nodes.empty()) {
-        account["axes"] = {{"slip_Hz", axis_json(build.slip)}, {"current_A", axis_json(build.current)}};
+        account["axes"] = {{"slip_Hz", axis_span(build.slip)}, {"current_A", axis_span(build.current)}};
     }
     account["notes"] = build.notes;
     account["deviations"] = Json::array();
@@ -102,7 +96,7 @@ void refuse_over_inputs(const ImOptions& options) {
     }
 }
 
-void run(Words words, const Context& context) {
+void run(ImWords words, const Context& context) {
     ImOptions& options = words.im;
     options.information = read_information(words.information);
     refuse_over_inputs(options);
@@ -115,7 +109,7 @@ void run(Words words, const Context& context) {
     context.print(words.json ? json_text(json_of(options, build, reports)) : text_of(options, build, reports));
 }
 
-void add_source_options(CLI::App& app, Words& words) {
+void add_source_options(CLI::App& app, ImWords& words) {
     ImOptions& im = words.im;
     app.add_option("parameters", im.parameter_path, "Parameters: CSV with name, value, unit, or TOML; may be left out");
     app.add_option("-o,--out", im.out_path, "KZB file to write")->required();
@@ -132,7 +126,7 @@ void add_source_options(CLI::App& app, Words& words) {
     app.add_flag("--json", words.json, "Account as JSON");
 }
 
-void add_model_options(CLI::App& app, Words& words) {
+void add_model_options(CLI::App& app, ImWords& words) {
     ImOptions& im = words.im;
     add_choice<ImApplication>(
         app, "-a,--application", im.application,
@@ -169,7 +163,7 @@ void add_model_options(CLI::App& app, Words& words) {
 
 void add_build_im(CLI::App& build, Context& context) {
     CLI::App* app = build.add_subcommand("im", "Makes an induction machine from its equivalent circuit");
-    const auto words = std::make_shared<Words>();
+    const auto words = std::make_shared<ImWords>();
     add_source_options(*app, *words);
     add_model_options(*app, *words);
     app->callback([words, &context] { context.action = [words, &context] { run(*words, context); }; });

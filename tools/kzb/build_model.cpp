@@ -1,6 +1,5 @@
 #include "kzb/build_model.h"
 
-#include <cmath>
 #include <set>
 #include <string_view>
 
@@ -58,7 +57,7 @@ void put_information(KZB_STORE* store, const MachineMap& map, const ModelOptions
     const MachinePoint noload = map.mean(0.0, 0.0);
     kzb_put_double("information", "d_inductance", noload.l_dd, store);
     kzb_put_double("information", "q_inductance", noload.l_qq, store);
-    kzb_put_double("information", "magflux", std::sqrt(1.5) * noload.psi_d, store);  // as d_flux
+    kzb_put_double("information", "magflux", power_invariant_factor * noload.psi_d, store);  // as d_flux
     put_origin(store, {options.title, options.preparer, options.input_file_name, options.information});
 }
 
@@ -101,15 +100,6 @@ const std::vector<std::string>& information_keys() {
     static const std::vector<std::string> keys{"weight",         "rated_power", "rated_current", "rated_voltage",
                                                "rated_freqency", "rated_speed", "inertia"};
     return keys;
-}
-
-StorePointer open_store() {
-    KZB_STORE* store = nullptr;
-    kzb_initialize(&store);
-    if (store == nullptr) {
-        throw Failure(exit_run_failed, "no memory for a model");
-    }
-    return StorePointer(store);
 }
 
 BuiltModel make_model(const MachineMap& map, const TableGrids& grids, const ModelOptions& options,

@@ -2,12 +2,11 @@
 #pragma once
 
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "KZBCalculator/kzb_store.h"
 #include "kzb/build_applications.h"
+#include "kzb/store_pointer.h"
 
 namespace kzb::tool {
 
@@ -36,13 +35,6 @@ struct ModelOptions {
 
 // Keys of ModelOptions::information.
 const std::vector<std::string>& information_keys();
-
-struct StoreCloser {
-    void operator()(KZB_STORE* store) const { kzb_finish(store); }
-};
-using StorePointer = std::unique_ptr<KZB_STORE, StoreCloser>;
-
-StorePointer open_store();
 
 struct BuiltModel {
     StorePointer store;

@@ -26,7 +26,7 @@ void note_outside(const MachineMap& map, const TableGrids& grids, std::vector<st
     std::size_t beyond = 0;
     for (const double amplitude : grids.amplitude.nodes) {
         for (const double phase : grids.phase.nodes) {
-            const PolarCurrent i = current_at(amplitude, phase);
+            const DqCurrent i = current_at(amplitude, phase);
             beyond += map.covers(i.id, i.iq) ? 0U : 1U;
         }
     }

@@ -1,25 +1,13 @@
 #include "kzb/build_outcome.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "fmt/format.h"
+#include "kzb/account_figures.h"
 #include "kzb/text.h"
+#include "table/lookup.h"
 
 namespace kzb::tool {
-
-namespace {
-
-constexpr int below_range = 80001;
-constexpr int above_range = 80002;
-
-std::uintmax_t size_of_file(const std::string& path) {
-    std::error_code ignored;
-    const std::uintmax_t size = std::filesystem::file_size(path, ignored);
-    return ignored ? 0 : size;
-}
-
-}  // namespace
 
 void PointDeviation::add(double told, double wanted, const std::function<std::string()>& where) {
     const double off = std::fabs(told - wanted);
@@ -43,9 +31,8 @@ std::string text_of(const Outcome& outcome) {
     text += fmt::format("\ndeviation from {}, looked up by {}\n  {:<14}{:>8}{:>14}{:>14}{:>14}   {}\n", outcome.against,
                         outcome.method, "", "points", "largest", "rms", "largest/max", "at");
     for (const PointDeviation& d : outcome.deviations) {
-        text +=
-            fmt::format("  {:<14}{:>8}{:>11.4g} {:<2}{:>11.4g} {:<2}{:>12.2f} %   {}\n", d.quantity, d.points,
-                        d.largest, d.unit, d.rms(), d.unit, d.scale > 0.0 ? 100.0 * d.largest / d.scale : 0.0, d.at);
+        text += fmt::format("  {:<14}{:>8}{:>11.4g} {:<2}{:>11.4g} {:<2}{:>12.2f} %   {}\n", d.quantity, d.points,
+                            d.largest, d.unit, d.rms(), d.unit, percent_of(d.largest, d.scale), d.at);
     }
     if (outcome.out_of_table > 0) {
         text += fmt::format("  {} lookups left their table\n", outcome.out_of_table);
@@ -60,10 +47,7 @@ Json json_of(const Outcome& outcome) {
                  {"motor_type", outcome.motor_type},
                  {"axes", Json::object()}};
     for (const OutcomeAxis& axis : outcome.axes) {
-        account["axes"][axis.name + '_' + axis.unit] = {{"first", axis.axis.nodes.front()},
-                                                        {"last", axis.axis.nodes.back()},
-                                                        {"nodes", axis.axis.nodes.size()},
-                                                        {"cyclic", axis.axis.cyclic}};
+        account["axes"][axis.name + '_' + axis.unit] = axis_json(axis.axis);
     }
     account["notes"] = outcome.notes;
     Json report{
@@ -77,10 +61,15 @@ Json json_of(const Outcome& outcome) {
 }
 
 double OutcomeLookup::at(const char* category, const char* key, const std::vector<double>& where) {
+    return with(method_.c_str(), category, key, where);
+}
+
+double OutcomeLookup::with(const char* method, const char* category, const char* key,
+                           const std::vector<double>& where) {
     kzb_reset_error(store_);
-    const double value = kzb_get_table_interpolated_value(category, key, where.data(), method_.c_str(), store_);
+    const double value = kzb_get_table_interpolated_value(category, key, where.data(), method, store_);
     const int error = kzb_has_error(store_);
-    out_of_table_ += error == below_range || error == above_range ? 1U : 0U;
+    out_of_table_ += error == lookup_below_range || error == lookup_above_range ? 1U : 0U;
     kzb_reset_error(store_);
     return value;
 }

@@ -55,6 +55,7 @@ class OutcomeLookup {
   public:
     OutcomeLookup(KZB_STORE* store, std::string method) : store_(store), method_(std::move(method)) {}
     double at(const char* category, const char* key, const std::vector<double>& where);
+    double with(const char* method, const char* category, const char* key, const std::vector<double>& where);
     std::size_t out_of_table() const { return out_of_table_; }
 
   private:

@@ -16,16 +16,16 @@ namespace kzb::tool {
 
 namespace {
 
-constexpr std::size_t value_limit = 200'000'000;  // of one table
+constexpr std::size_t pmsm_value_limit = 200'000'000;  // of one table
 
 void require_size(const TableGrids& grids) {
     const std::size_t currents =
         std::max(grids.amplitude.nodes.size() * grids.phase.nodes.size() * 9, grids.flux_nodes * grids.flux_nodes);
-    if (currents > value_limit / grids.position.nodes.size()) {
+    if (currents > pmsm_value_limit / grids.position.nodes.size()) {
         throw Failure(exit_usage, fmt::format("{} amplitudes, {} phases, {} positions, {} flux nodes: tables beyond {} "
                                               "values, expected coarser grids",
                                               grids.amplitude.nodes.size(), grids.phase.nodes.size(),
-                                              grids.position.nodes.size(), grids.flux_nodes, value_limit));
+                                              grids.position.nodes.size(), grids.flux_nodes, pmsm_value_limit));
     }
 }
 

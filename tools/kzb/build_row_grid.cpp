@@ -11,11 +11,11 @@ namespace kzb::tool {
 namespace {
 
 // Two coordinates closer than this part of the axis are one node.
-constexpr double same_node = 1e-7;
+constexpr double part_of_axis = 1e-7;
 
-std::vector<double> nodes_of(std::vector<double> coordinates) {
+std::vector<double> merged_nodes(std::vector<double> coordinates) {
     std::sort(coordinates.begin(), coordinates.end());
-    const double tolerance = same_node * (coordinates.back() - coordinates.front());
+    const double tolerance = part_of_axis * (coordinates.back() - coordinates.front());
     std::vector<double> nodes;
     for (const double x : coordinates) {
         if (nodes.empty() || x - nodes.back() > tolerance) {
@@ -79,7 +79,7 @@ RowGrid rows_on_grid(const CsvTable& csv, const std::vector<Coordinate>& axes) {
     constexpr std::size_t none = static_cast<std::size_t>(-1);
     RowGrid grid;
     for (const Coordinate& axis : axes) {
-        grid.nodes.push_back(nodes_of(axis.values));
+        grid.nodes.push_back(merged_nodes(axis.values));
     }
     grid.rows.assign(points_of(csv, grid), none);
     for (std::size_t row = 0; row < csv.row_count(); ++row) {

@@ -13,13 +13,13 @@ namespace {
 
 constexpr int motor_type_solenoid = 10004;
 constexpr CoilQuantities map_quantities{"x", "m", "psi", "force"};
-const std::vector<std::string> quantity_list{"x", "current", "psi", "force"};
+const std::vector<std::string> solenoid_quantities{"x", "current", "psi", "force"};
 
 std::vector<ParameterQuantity> solenoid_parameters() {
     return {{"resistance", {"coil_resistance"}, Dimension::resistance, true}};
 }
 
-void require_flux(const CoilMap& map) {
+void require_solenoid_flux(const CoilMap& map) {
     for (std::size_t p = 0; p < map.positions.size(); ++p) {
         for (std::size_t i = 0; i < map.currents.size(); ++i) {
             const double psi = map.flux[map.index(p, i)];
@@ -86,11 +86,11 @@ void put_tables(KZB_STORE* store, const SolenoidBuild& build) {
 }  // namespace
 
 SolenoidBuild build_solenoid(const SolenoidOptions& options) {
-    const auto columns = columns_of(options.common, quantity_list);
+    const auto columns = columns_of(options.common, solenoid_quantities);
     const Parameters parameters = parameters_of(options.common, solenoid_parameters());
     SolenoidBuild build;
     build.map = read_coil_map(CsvTable::read(options.common.map_path), map_quantities, columns);
-    require_flux(build.map);
+    require_solenoid_flux(build.map);
     complete_force(build);
     build.current = current_axis(options.common, build.map.currents);
     build.position.nodes =

@@ -9,6 +9,7 @@
 #include "kzb/build_columns.h"
 #include "kzb/build_row_grid.h"
 #include "kzb/command.h"
+#include "kzb/nearly_equal.h"
 
 namespace kzb::tool {
 
@@ -85,18 +86,14 @@ std::vector<double> without_last_position(const std::vector<double>& field, std:
     return shorter;
 }
 
-bool near(double a, double b) {
-    return std::fabs(a - b) < 1e-6 * std::fabs(b);
-}
-
 // Which period the positions cover, and whether the last node closes it.
 void find_period(const CsvTable& csv, SourceMap& map) {
     const std::size_t n = map.theta.size();
     const double span = map.theta.back() - map.theta.front();
     const double step = span / static_cast<double>(n - 1);
     for (const double period : {60.0, 120.0, 180.0, 360.0}) {
-        const bool closed = near(span, period);
-        if (!closed && !near(span + step, period)) {
+        const bool closed = nearly_equal(span, period);
+        if (!closed && !nearly_equal(span + step, period)) {
             continue;
         }
         map.period = period;

@@ -15,7 +15,7 @@ namespace {
 constexpr int type_of_no_phases = 10007;  // 10010 for 3 phases, 10011 for 4, 10012 for 5
 constexpr CoilQuantities phase_quantities{"theta_mech", "deg", "psi", "torque"};
 constexpr CoilQuantities mutual_quantities{"theta_mech", "deg", "psi_neighbour", nullptr};
-const std::vector<std::string> quantity_list{"theta_mech", "current", "psi", "torque", "psi_neighbour"};
+const std::vector<std::string> sr_quantities{"theta_mech", "current", "psi", "torque", "psi_neighbour"};
 
 std::vector<ParameterQuantity> sr_parameters() {
     return {{"resistance", {"phase_resistance", "coil_resistance"}, Dimension::resistance, true},
@@ -125,7 +125,7 @@ std::string place_of(double theta, double current) {
 }  // namespace
 
 SrBuild build_sr(const SrOptions& options) {
-    const auto columns = columns_of(options.common, quantity_list);
+    const auto columns = columns_of(options.common, sr_quantities);
     const Parameters parameters = parameters_of(options.common, sr_parameters());
     SrBuild build;
     build.phases = whole_number(parameters, "phases", 3, 5);

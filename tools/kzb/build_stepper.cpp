@@ -12,7 +12,7 @@ namespace kzb::tool {
 namespace {
 
 constexpr int motor_type_stepper = 10003;
-constexpr int coils = 4;
+constexpr int coil_count = 4;
 
 std::vector<ParameterQuantity> stepper_parameters() {
     return {{"rotor_teeth", {"pole_pairs"}, Dimension::number},
@@ -58,24 +58,25 @@ void put_tables(KZB_STORE* store, const StepperBuild& build) {
     const std::size_t nodes = build.position.nodes.size();
     std::vector<double> flux;
     for (std::size_t p = 0; p < nodes; ++p) {
-        for (int coil = 0; coil < coils; ++coil) {
+        for (int coil = 0; coil < coil_count; ++coil) {
             flux.push_back(machine.magnet(angle_of(build.position, p), coil));
         }
     }
-    put_table(store, "mag_flux", "flux", {build.position, component_axis(coils)}, flux);
+    put_table(store, "mag_flux", "flux", {build.position, component_axis(coil_count)}, flux);
     // The inductances do not depend on the current: two nodes.
     const TableAxis size{{0.0, build.difference.nodes.back()}, false};
     std::vector<double> inductance;
     for (std::size_t i = 0; i < size.nodes.size(); ++i) {
         for (std::size_t p = 0; p < nodes; ++p) {
-            for (int column = 0; column < coils; ++column) {
-                for (int row = 0; row < coils; ++row) {
+            for (int column = 0; column < coil_count; ++column) {
+                for (int row = 0; row < coil_count; ++row) {
                     inductance.push_back(machine.inductance_of(angle_of(build.position, p), row, column));
                 }
             }
         }
     }
-    put_table(store, "inductance", "inductance", {size, build.position, component_axis(coils * coils)}, inductance);
+    put_table(store, "inductance", "inductance", {size, build.position, component_axis(coil_count * coil_count)},
+              inductance);
     std::vector<double> torque;
     for (const double j_a : build.difference.nodes) {
         for (std::size_t p = 0; p < nodes; ++p) {
@@ -158,11 +159,11 @@ Outcome compare_stepper(KZB_STORE* store, const StepperBuild& build, const Stepp
     const StepperMachine& machine = build.machine;
     for (const double angle : middles(build.position.nodes)) {
         const auto place = [&] { return fmt::format("{:g} deg", angle); };
-        for (int coil = 0; coil < coils; ++coil) {
+        for (int coil = 0; coil < coil_count; ++coil) {
             flux.add(splines.at("mag_flux", "flux", {angle, static_cast<double>(coil)}), machine.magnet(angle, coil),
                      place);
-            for (int row = 0; row < coils; ++row) {
-                const double element = coils * coil + row;
+            for (int row = 0; row < coil_count; ++row) {
+                const double element = coil_count * coil + row;
                 inductance.add(tables.at("inductance", "inductance", {0.5 * machine.largest_current, angle, element}),
                                machine.inductance_of(angle, row, coil), place);
             }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <filesystem>
 
 #include "fmt/format.h"
@@ -18,16 +17,7 @@ namespace kzb::tool {
 namespace {
 
 constexpr int motor_type_wfsm = 10007;
-constexpr std::size_t value_limit = 50'000'000;  // of one table
-const double power_invariant = std::sqrt(1.5);
-
-std::size_t whole_steps(const char* option, double range, double step) {
-    const double steps = std::round(range / step);
-    if (steps < 1.0 || std::fabs(steps * step - range) > 1e-9 * range) {
-        throw Failure(exit_usage, fmt::format("{} {:g}: expected a whole part of {:g} degrees", option, step, range));
-    }
-    return static_cast<std::size_t>(steps);
-}
+constexpr std::size_t wfsm_value_limit = 50'000'000;  // of one table
 
 std::vector<double> parted(const std::vector<double>& nodes, std::size_t parts) {
     std::vector<double> finer{nodes.front()};
@@ -58,12 +48,12 @@ void make_axes(const WfsmOptions& options, WfsmBuild& build) {
     build.field.nodes.insert(build.field.nodes.begin(), 0.0);
     const std::size_t values =
         build.first.nodes.size() * build.second.nodes.size() * build.field.nodes.size() * (positions + 1) * 16;
-    if (values > value_limit) {
+    if (values > wfsm_value_limit) {
         throw Failure(exit_usage,
                       fmt::format("{} amplitudes, {} phases, {} field currents, {} positions: a table beyond "
                                   "{} values, expected coarser grids",
                                   build.first.nodes.size(), build.second.nodes.size(), build.field.nodes.size(),
-                                  positions + 1, value_limit));
+                                  positions + 1, wfsm_value_limit));
     }
 }
 
@@ -114,8 +104,8 @@ void put_tables(KZB_STORE* store, const WfsmBuild& build, double zero_inductance
         for (std::size_t j = 0; j < build.second.nodes.size(); ++j) {
             // Both ends of a full circle of phases are one point.
             const double y = build.second.nodes[build.second.cyclic && j + 1 == build.second.nodes.size() ? 0 : j];
-            const PolarCurrent i =
-                build.polar ? current_at(x, y) : PolarCurrent{x / power_invariant, y / power_invariant};
+            const DqCurrent i =
+                build.polar ? current_at(x, y) : DqCurrent{x / power_invariant_factor, y / power_invariant_factor};
             for (const double i_f : build.field.nodes) {
                 const WoundFieldPoint p = build.machine->at(i.id, i.iq, i_f);
                 torque.insert(torque.end(), 2, 1.5 * build.pole_pairs * (p.psi_d * i.iq - p.psi_q * i.id));
@@ -152,7 +142,7 @@ std::size_t indefinite_points(const WfsmBuild& build, std::size_t& all) {
     for (const double x : build.first.nodes) {
         for (const double y : build.second.nodes) {
             for (const double i_f : build.field.nodes) {
-                const PolarCurrent i = current_at(x, y);
+                const DqCurrent i = current_at(x, y);
                 const WoundFieldPoint p = build.machine->at(i.id, i.iq, i_f);
                 ++all;
                 count += p.l_dd > 0.0 && p.l_dd * p.l_ff > 1.5 * p.l_df * p.l_df ? 0U : 1U;

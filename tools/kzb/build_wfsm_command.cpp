@@ -1,9 +1,9 @@
 // `kzb build wfsm`: options, account as text and as JSON.
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <memory>
 
 #include "fmt/format.h"
+#include "kzb/account_figures.h"
 #include "kzb/build.h"
 #include "kzb/build_pmsm.h"
 #include "kzb/build_wfsm.h"
@@ -18,7 +18,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Words {
+struct WfsmWords {
     WfsmOptions wfsm;
     std::vector<std::string> information;
     bool json = false;
@@ -39,10 +39,8 @@ std::vector<NamedAxis> axes_of(const WfsmBuild& build) {
 }
 
 std::string text_of(const WfsmOptions& options, const WfsmBuild& build, const WfsmDeviationReport& report) {
-    std::error_code ignored;
-    std::string text =
-        fmt::format("{}: WFSM Harmonic, {} poles, {} bytes\n", printable_line(options.out_path),
-                    2 * static_cast<int>(build.pole_pairs), std::filesystem::file_size(options.out_path, ignored));
+    std::string text = fmt::format("{}: WFSM Harmonic, {} poles, {} bytes\n", printable_line(options.out_path),
+                                   2 * static_cast<int>(build.pole_pairs), size_of_file(options.out_path));
     for (const NamedAxis& a : axes_of(build)) {
         text += fmt::format("  {:<14}{:g} to {:g} {}, {} nodes{}\n", a.name, a.axis->nodes.front(),
                             a.axis->nodes.back(), a.unit, a.axis->nodes.size(), a.axis->cyclic ? ", cyclic" : "");
@@ -52,16 +50,14 @@ std::string text_of(const WfsmOptions& options, const WfsmBuild& build, const Wf
     text += fmt::format("  {:<8}{:>14}{:>14}{:>14}   {}\n", "", "largest", "rms", "largest/max", "at i_f, id, iq");
     for (const WfsmDeviation& d : report.deviations) {
         text += fmt::format("  {:<8}{:>11.4g} {:<2}{:>11.4g} {:<2}{:>12.2g} %   {:g} A, {:g} A, {:g} A\n", d.quantity,
-                            d.largest, d.unit, d.rms, d.unit, d.scale > 0.0 ? 100.0 * d.largest / d.scale : 0.0, d.i_f,
-                            d.id, d.iq);
+                            d.largest, d.unit, d.rms, d.unit, percent_of(d.largest, d.scale), d.i_f, d.id, d.iq);
     }
     return text;
 }
 
 Json json_of(const WfsmOptions& options, const WfsmBuild& build, const WfsmDeviationReport& report) {
-    std::error_code ignored;
     Json account{{"file", valid_utf8(options.out_path)},
-                 {"bytes", std::filesystem::file_size(options.out_path, ignored)},
+                 {"bytes", size_of_file(options.out_path)},
                  {"motor", "WFSM"},
                  {"application", "Harmonic"},
                  {"number_of_poles", 2 * static_cast<int>(build.pole_pairs)},
@@ -84,7 +80,7 @@ Json json_of(const WfsmOptions& options, const WfsmBuild& build, const WfsmDevia
     return account;
 }
 
-void run(Words words, const Context& context) {
+void run(WfsmWords words, const Context& context) {
     WfsmOptions& options = words.wfsm;
     options.information = read_information(words.information);
     if (!options.parameter_path.empty()) {
@@ -102,7 +98,7 @@ void run(Words words, const Context& context) {
     context.print(words.json ? json_text(json_of(options, build, report)) : text_of(options, build, report));
 }
 
-void add_options(CLI::App& app, Words& words) {
+void add_options(CLI::App& app, WfsmWords& words) {
     WfsmOptions& wfsm = words.wfsm;
     app.add_option("parameters", wfsm.parameter_path,
                    "Parameters: CSV with name, value, unit, or TOML; may be left out");
@@ -141,7 +137,7 @@ void add_options(CLI::App& app, Words& words) {
 
 void add_build_wfsm(CLI::App& build, Context& context) {
     CLI::App* app = build.add_subcommand("wfsm", "Makes a wound-field synchronous machine from inductances or a map");
-    const auto words = std::make_shared<Words>();
+    const auto words = std::make_shared<WfsmWords>();
     add_options(*app, *words);
     app->callback([words, &context] { context.action = [words, &context] { run(*words, context); }; });
 }

@@ -19,7 +19,7 @@ struct Kind {
     const char* key;  // of its value; null: none
     const char* unit;
 };
-constexpr Kind kinds[] = {
+constexpr Kind netlist_kinds[] = {
     {element_type_fem_coil, "W", "FEM coil", "resistance", "Ohm"},
     {element_type_resistor, "R", "resistor", "resistance", "Ohm"},
     {element_type_capacitor, "C", "capacitor", "capacitance", "F"},
@@ -29,7 +29,7 @@ constexpr Kind kinds[] = {
 constexpr Kind unknown_kind{element_type_none, "X", "unknown", nullptr, ""};
 
 const Kind& kind_of(const KZLineElementType* type) {
-    for (const Kind& kind : kinds) {
+    for (const Kind& kind : netlist_kinds) {
         if (type != nullptr && kind.type == type->type) {
             return kind;
         }

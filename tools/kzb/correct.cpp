@@ -17,7 +17,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct CorrectOptions {
     RewriteOptions rewrite;
     std::vector<std::string> corrections;
 };
@@ -27,12 +27,12 @@ bool takes_corrections(int motor_type) {
     return motor_type == 10000 || motor_type == 10005;
 }
 
-constexpr const char* tables[] = {"inductance", "torque", "mag-flux", "total-flux", "ironloss"};
+constexpr const char* corrected_tables[] = {"inductance", "torque", "mag-flux", "total-flux", "ironloss"};
 constexpr const char* leakages[] = {"leakage_inductance_u", "leakage_inductance_v", "leakage_inductance_w"};
 
 // A word in the place of a number reads as 0, which no lookup takes for a fault.
 void require_usable(const KZB_STORE& store, const std::string& correction) {
-    for (const char* key : tables) {
+    for (const char* key : corrected_tables) {
         require_usable_table(store, "correction", key, correction);
     }
     for (const char* key : leakages) {
@@ -45,7 +45,7 @@ void require_usable(const KZB_STORE& store, const std::string& correction) {
 
 void tell_of_odd_factors(const std::string& output, const KZB_STORE& store, const StoreChanges& changes,
                          Remarks& remarks) {
-    for (const char* key : tables) {
+    for (const char* key : corrected_tables) {
         const KZB_TABLE* table = find_table(store, "correction", key);
         if (table == nullptr || !changes.touches(std::string("correction/") + key)) {
             continue;
@@ -60,7 +60,7 @@ void tell_of_odd_factors(const std::string& output, const KZB_STORE& store, cons
     }
 }
 
-void review(const Options& options, const KZB_STORE& store, const StoreChanges& changes, Remarks& remarks) {
+void review(const CorrectOptions& options, const KZB_STORE& store, const StoreChanges& changes, Remarks& remarks) {
     const int motor_type = get_int(store, "control", "motor_type");
     if (!takes_corrections(motor_type)) {
         remarks.push_back(
@@ -75,7 +75,7 @@ void review(const Options& options, const KZB_STORE& store, const StoreChanges& 
     }
 }
 
-void correct(const Options& options, const Context& context) {
+void correct(const CorrectOptions& options, const Context& context) {
     for (const std::string& correction : options.corrections) {
         refuse_same_file(options.rewrite.output, correction, "a correction file");
     }
@@ -96,7 +96,7 @@ void correct(const Options& options, const Context& context) {
 
 void add_correct(CLI::App& app, Context& context) {
     CLI::App* correct_app = app.add_subcommand("correct", "Copy a KZB file with the factors of correction files");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<CorrectOptions>();
     add_rewrite_options(*correct_app, options->rewrite);
     correct_app->add_option("corrections", options->corrections, "Correction files, taken in this order")
         ->required()

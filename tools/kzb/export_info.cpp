@@ -14,12 +14,12 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct ExportInfoOptions {
     std::string file;
     std::string out;
 };
 
-void export_info(const Options& options, const Context& context) {
+void export_info(const ExportInfoOptions& options, const Context& context) {
     refuse_same_file(options.out, options.file, "the KZB file");
     const ModelFile model = read_model(options.file);
     if (!model.damage.empty()) {
@@ -45,7 +45,7 @@ void export_info(const Options& options, const Context& context) {
 void add_export_info(CLI::App& app, Context& context) {
     CLI::App* command =
         app.add_subcommand("export-info", "Write the XML document of a generic model's ports and parameters");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ExportInfoOptions>();
     command->add_option("file", options->file, "KZB file")->required()->type_name("FILE");
     command->add_option("output", options->out, "File to write")->required()->type_name("OUT.xml");
     command->callback(

@@ -16,7 +16,7 @@ namespace kzb::tool {
 
 namespace {
 
-constexpr std::array<const char*, 4> kinds = {"int", "double", "string", "table"};
+constexpr std::array<const char*, 4> entry_kinds = {"int", "double", "string", "table"};
 
 class BinaryEntries {
   public:
@@ -59,7 +59,7 @@ class BinaryEntries {
     bool read_category() {
         const std::optional<std::string> name = take_name();
         std::int64_t total = 0;
-        for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
+        for (std::size_t kind = 0; kind < entry_kinds.size(); ++kind) {
             int count = -1;
             if (!source_.take(count) || count < 0) {
                 return false;
@@ -76,10 +76,10 @@ class BinaryEntries {
     bool read_entry(const std::string& category) {
         const std::optional<std::string> key = take_name();
         int type = -1;
-        if (!key || key->empty() || !source_.take(type) || type < 0 || type >= static_cast<int>(kinds.size())) {
+        if (!key || key->empty() || !source_.take(type) || type < 0 || type >= static_cast<int>(entry_kinds.size())) {
             return false;
         }
-        FileEntry entry{category, *key, kinds[static_cast<std::size_t>(type)], false};
+        FileEntry entry{category, *key, entry_kinds[static_cast<std::size_t>(type)], false};
         bool sound = true;
         if (type == type_table) {
             sound = skip_table(entry.placeholder);
@@ -146,7 +146,7 @@ class AsciiEntries {
         std::string name;
         std::int64_t total = 0;
         bool sound = take_token(source_, name);
-        for (std::size_t kind = 0; kind < kinds.size() && sound; ++kind) {
+        for (std::size_t kind = 0; kind < entry_kinds.size() && sound; ++kind) {
             int count = 0;
             sound = take_int(source_, count) && count >= 0;
             total += count;

@@ -9,8 +9,8 @@
 #include "kzb/build_model.h"
 #include "kzb/command.h"
 #include "kzb/generic_reader.h"
-#include "kzb/input_text.h"
 #include "kzb/text.h"
+#include "kzb/toml_document.h"
 
 namespace kzb::tool {
 
@@ -30,16 +30,6 @@ constexpr KindKeys kind_keys[part_kinds] = {
     {PartKind::capacitor, "capacitor", "capacitance"},
     {PartKind::probe, "probe", nullptr},
 };
-
-toml::table parse_file(const std::string& file) {
-    const std::string text = read_input_text(file, "a description in TOML");
-    try {
-        return toml::parse(text, file);
-    } catch (const toml::parse_error& e) {
-        throw Failure(exit_file, fmt::format("{}:{}: not valid TOML: {}", file, e.source().begin.line,
-                                             printable_line(e.description())));
-    }
-}
 
 // Ports that the description numbers stand; the others take the free numbers in order.
 template <class Item>
@@ -279,7 +269,7 @@ std::string GenericDescription::path_of(const std::string& name) const {
 }
 
 GenericDescription read_generic_description(const std::string& file) {
-    const toml::table document = parse_file(file);
+    const toml::table document = read_toml(file, "a description in TOML");
     Section root(document, "", file);
     GenericDescription description;
     description.file = file;

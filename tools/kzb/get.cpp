@@ -13,7 +13,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct GetOptions {
     std::string file;
     std::string name;
     std::string type;
@@ -27,7 +27,7 @@ std::string plain_text(const Json& value) {
     return value.is_number_float() ? fmt::format("{}", value.get<double>()) : value.dump();
 }
 
-void get(const Options& options, const Context& context) {
+void get(const GetOptions& options, const Context& context) {
     const ModelFile model = read_model(options.file);
     for (const std::string& line : model.damage) {
         warn(fmt::format("{}: {}", options.file, printable_line(line)));
@@ -55,7 +55,7 @@ void get(const Options& options, const Context& context) {
 
 void add_get(CLI::App& app, Context& context) {
     CLI::App* get_app = app.add_subcommand("get", "Print the value of one parameter of a KZB file");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<GetOptions>();
     get_app->add_option("model", options->file, "KZB file")->required()->type_name("MODEL");
     get_app->add_option("key", options->name, "Parameter as CATEGORY/KEY")->required()->type_name("KEY");
     get_app->add_option("--type", options->type, "Which of several parameters of that name")

@@ -15,6 +15,8 @@ ImageForm image_form_of(const std::string& path);
 // Failure(exit_run_failed) when there is no gnuplot to run.
 void require_gnuplot();
 
+inline constexpr int plot_width = 1000;  // pixels
+
 // Runs the script with a terminal of that form and size (pixels) and puts the image at `path`.
 void run_gnuplot(const std::string& path, int width, int height, std::string_view script);
 

@@ -1,12 +1,11 @@
 #include "kzb/im_deviation.h"
 
-#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <numbers>
 
 #include "fmt/format.h"
 #include "kzb/command.h"
+#include "kzb/deviation_sum.h"
 #include "kzb/parameter_file.h"
 
 namespace kzb::tool {
@@ -47,38 +46,17 @@ ImState solved(const WrittenInductances& l, double r1, double poles, double volt
     return {i1, i2, 1.5 * 0.5 * poles * l.m12 * (i1 * std::conj(i2)).imag()};
 }
 
-class Comparison {
-  public:
-    Comparison(std::string quantity, std::string unit) {
-        deviation_.quantity = std::move(quantity);
-        deviation_.unit = std::move(unit);
-    }
-    void add(double off, double size, const std::string& at) {
-        deviation_.scale = std::max(deviation_.scale, std::fabs(size));
-        if (off > deviation_.largest || deviation_.at.empty()) {
-            deviation_.largest = off;
-            deviation_.at = at;
-        }
-        squares_ += off * off;
-        ++count_;
-    }
-    ImDeviation result() const {
-        ImDeviation d = deviation_;
-        d.rms = count_ == 0 ? 0.0 : std::sqrt(squares_ / static_cast<double>(count_));
-        return d;
-    }
+using ImSum = DeviationSum<ImDeviation>;
 
-  private:
-    ImDeviation deviation_;
-    double squares_ = 0.0;
-    std::size_t count_ = 0;
-};
+auto mark(const std::string& at) {
+    return [&at](ImDeviation& deviation) { deviation.at = at; };
+}
 
 // Every point of the curve at several slips: the table's main flux linkage at the primary current that goes with it.
 ImDeviationReport against_curve(KZB_STORE* store, const ImBuild& build) {
     const MagnetizingCurve& main = build.circuit.main;
     ImDeviationReport report{"magnetizing curve", 0, 0, {}};
-    Comparison flux("psi_m", "Vs");
+    ImSum flux("psi_m", "Vs");
     const double slip_max = build.slip.nodes.back();
     for (const double share : {0.0, 0.003, 0.01, 0.03, 0.1, 0.25, 0.5, 1.0, -0.01, -0.1}) {
         const double slip_hz = share * slip_max;
@@ -91,8 +69,9 @@ ImDeviationReport against_curve(KZB_STORE* store, const ImBuild& build) {
             }
             ++report.points;
             const double told = table_at(store, "M12_table", slip_hz, i_1) * i_m;
-            flux.add(std::fabs(told - main.fluxes()[n]), main.fluxes()[n],
-                     fmt::format("i_m {:.4g} A, slip {:.4g} Hz", i_m, slip_hz));
+            flux.add(told - main.fluxes()[n], main.fluxes()[n], [&](ImDeviation& deviation) {
+                deviation.at = fmt::format("i_m {:.4g} A, slip {:.4g} Hz", i_m, slip_hz);
+            });
         }
     }
     report.deviations = {flux.result()};
@@ -111,8 +90,8 @@ ImDeviationReport against_circuit(KZB_STORE* store, const ImBuild& build, const 
     const double omega = two_pi * build.rated.frequency;
     ImDeviationReport report{
         fmt::format("equivalent circuit at {:.4g} V peak, {:g} Hz", voltage, build.rated.frequency), 0, 0, {}};
-    Comparison current("i_1", "A");
-    Comparison torque("torque", "Nm");
+    ImSum current("i_1", "A");
+    ImSum torque("torque", "Nm");
     for (int n = -40; n <= 40; ++n) {
         const double slip = 0.025 * n * std::fabs(0.025 * n);  // denser about synchronous speed
         const ImState wanted = steady_state(source, voltage, omega, slip);
@@ -125,8 +104,8 @@ ImDeviationReport against_circuit(KZB_STORE* store, const ImBuild& build, const 
         const ImState told = written_steady_state(store, options.application, voltage, omega, slip);
         ++report.points;
         const std::string at = fmt::format("slip {:.4g}", slip);
-        current.add(std::abs(told.i1 - wanted.i1), std::abs(wanted.i1), at);
-        torque.add(std::fabs(told.torque - wanted.torque), wanted.torque, at);
+        current.add(std::abs(told.i1 - wanted.i1), std::abs(wanted.i1), mark(at));
+        torque.add(told.torque - wanted.torque, wanted.torque, mark(at));
     }
     report.deviations = {current.result(), torque.result()};
     return report;
@@ -171,8 +150,8 @@ ImDeviationReport against_point(KZB_STORE* store, const ImOptions& options) {
     ImDeviationReport report{"operating point", 1, 0, {}};
     for (const auto& answer : answers) {
         if (const ParameterFile::Entry* entry = file.find(answer.name)) {
-            Comparison one(answer.name, answer.unit);
-            one.add(std::fabs(answer.value - entry->value), entry->value, entry->place);
+            ImSum one(answer.name, answer.unit);
+            one.add(answer.value - entry->value, entry->value, mark(entry->place));
             report.deviations.push_back(one.result());
         }
     }

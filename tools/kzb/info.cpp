@@ -18,7 +18,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct InfoOptions {
     std::string file;
     bool json = false;
     bool grid = false;
@@ -219,7 +219,7 @@ std::string as_text(const Json& info) {
     return text;
 }
 
-void show(const Options& options, const Context& context) {
+void show(const InfoOptions& options, const Context& context) {
     const ModelFile model = read_model(options.file);
     const Json info = describe(options.file, model, options.grid);
     for (const Json& warning : info["warnings"]) {
@@ -232,7 +232,7 @@ void show(const Options& options, const Context& context) {
 
 void add_info(CLI::App& app, Context& context) {
     CLI::App* info = app.add_subcommand("info", "Show what a KZB file holds: motor, applications, categories, tables");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<InfoOptions>();
     info->add_option("file", options->file, "KZB file")->required()->type_name("FILE");
     info->add_flag("--json", options->json, "JSON on stdout");
     info->add_flag("--grid", options->grid, "List the nodes of every axis");

@@ -14,13 +14,13 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct LossOptions {
     RewriteOptions rewrite;
     std::string table;
     std::string kind;
 };
 
-void loss(const Options& options, const Context& context) {
+void loss(const LossOptions& options, const Context& context) {
     refuse_same_file(options.rewrite.output, options.table, "the loss table");
     Edit edit;
     edit.change = [&options](KZB_STORE& store, Remarks&) {
@@ -47,7 +47,7 @@ void loss(const Options& options, const Context& context) {
 
 void add_loss(CLI::App& app, Context& context) {
     CLI::App* loss_app = app.add_subcommand("loss", "Copy a KZB file with a table of iron or copper loss");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<LossOptions>();
     add_rewrite_options(*loss_app, options->rewrite);
     loss_app->add_option("table", options->table, "Loss table, text with one point per line")
         ->required()

@@ -11,7 +11,6 @@ namespace kzb::tool {
 namespace {
 
 constexpr double radians = std::numbers::pi / 180.0;
-constexpr double third = 2.0 * std::numbers::pi / 3.0;
 
 double node_of(const KZB_TABLE& table, int axis, std::size_t index) {
     return axis < 0 ? 0.0 : table.axes[static_cast<std::size_t>(axis)][index];
@@ -52,9 +51,9 @@ CurrentMap fill(const KZB_TABLE& table, const MapAxes& axes, bool polar, AtLine 
 
 }  // namespace
 
-std::optional<Travel> travel_of(const KZB_STORE& store, int motor_type) {
+std::optional<TravelScale> travel_of(const KZB_STORE& store, int motor_type) {
     const double offset = get_double(store, "control", "beta_zero") * radians;
-    Travel travel;
+    TravelScale travel;
     if (motor_type == 10005) {
         const double length = get_double(store, "control", "electrical_length");
         travel = {2.0 * std::numbers::pi / length, offset, 2.0 * std::numbers::pi / length};
@@ -63,7 +62,7 @@ std::optional<Travel> travel_of(const KZB_STORE& store, int motor_type) {
         travel = {pole_pairs * radians, offset, pole_pairs};
     }
     const bool usable = travel.torque_factor > 0.0 && !is_unusable(travel.torque_factor) && !is_unusable(offset);
-    return usable ? std::optional<Travel>(travel) : std::nullopt;
+    return usable ? std::optional<TravelScale>(travel) : std::nullopt;
 }
 
 std::optional<Spot> spot_on(const std::vector<double>& nodes, bool cyclic, double x) {
@@ -106,7 +105,7 @@ DqCurrent dq_current(double a, double b, bool polar) {
     if (!polar) {
         return {a, b};
     }
-    const double length = std::sqrt(1.5) * a;
+    const double length = power_invariant_factor * a;
     return {-length * std::sin(b * radians), length * std::cos(b * radians)};
 }
 
@@ -140,7 +139,7 @@ CurrentMap mean_of_table(const KZB_TABLE& table, const MapAxes& axes, bool polar
     });
 }
 
-CurrentMap mean_of_flux(const KZB_TABLE& flux, const MapAxes& axes, bool polar, const Travel& travel) {
+CurrentMap mean_of_flux(const KZB_TABLE& flux, const MapAxes& axes, bool polar, const TravelScale& travel) {
     struct Turn {
         double cosines[3];
         double sines[3];
@@ -151,8 +150,8 @@ CurrentMap mean_of_flux(const KZB_TABLE& flux, const MapAxes& axes, bool polar, 
     for (std::size_t k = 0; k < turns.size(); ++k) {
         const double theta = travel.electrical_per_unit * node_of(flux, axes.position, k) + travel.offset;
         for (int phase = 0; phase < 3; ++phase) {
-            turns[k].cosines[phase] = scale * weights[k] * std::cos(theta - third * phase);
-            turns[k].sines[phase] = -scale * weights[k] * std::sin(theta - third * phase);
+            turns[k].cosines[phase] = scale * weights[k] * std::cos(theta - third_of_turn * phase);
+            turns[k].sines[phase] = -scale * weights[k] * std::sin(theta - third_of_turn * phase);
         }
     }
     const std::size_t step = step_of(flux, axes.position);
@@ -167,7 +166,7 @@ CurrentMap mean_of_flux(const KZB_TABLE& flux, const MapAxes& axes, bool polar, 
             }
         }
         const DqCurrent i = dq_current(a, b, polar);
-        return travel.torque_factor * (psi_d * i.q - psi_q * i.d);
+        return travel.torque_factor * (psi_d * i.iq - psi_q * i.id);
     });
 }
 

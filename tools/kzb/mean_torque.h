@@ -9,21 +9,26 @@
 #pragma once
 
 #include <cstddef>
+#include <numbers>
 #include <optional>
 #include <vector>
 
+#include "kzb/dq_current.h"
 #include "store/store.h"
 
 namespace kzb::tool {
 
+// Between two phases, electrical.
+inline constexpr double third_of_turn = 2.0 * std::numbers::pi / 3.0;
+
 // Angle and torque of the machine: theta_e [rad] = electrical_per_unit * table position + offset.
-struct Travel {
+struct TravelScale {
     double electrical_per_unit = 0.0;
     double offset = 0.0;
     double torque_factor = 0.0;
 };
 // Nothing when the file tells no poles or no electrical length.
-std::optional<Travel> travel_of(const KZB_STORE& store, int motor_type);
+std::optional<TravelScale> travel_of(const KZB_STORE& store, int motor_type);
 
 // Where x lies on rising nodes: between `lo` and `hi`, at the part `t` of the way. Nothing outside the nodes of an axis
 // that is not cyclic; a cyclic axis takes any finite x.
@@ -52,10 +57,6 @@ struct CurrentMap {
     std::optional<double> interpolated(double a_value, double b_value, double field_value) const;
 };
 
-struct DqCurrent {
-    double d = 0.0;
-    double q = 0.0;
-};
 // In the power-invariant frame; `a` and `b` as in a CurrentMap.
 DqCurrent dq_current(double a, double b, bool polar);
 
@@ -75,6 +76,6 @@ struct MapAxes {
 // The mean over the positions of a torque table.
 CurrentMap mean_of_table(const KZB_TABLE& table, const MapAxes& axes, bool polar);
 // The same from a table of flux linkages whose last axis counts the phases.
-CurrentMap mean_of_flux(const KZB_TABLE& flux, const MapAxes& axes, bool polar, const Travel& travel);
+CurrentMap mean_of_flux(const KZB_TABLE& flux, const MapAxes& axes, bool polar, const TravelScale& travel);
 
 }  // namespace kzb::tool

@@ -15,7 +15,7 @@ namespace kzb::tool {
 
 namespace {
 
-constexpr std::string_view head = "$DORN-KZ";
+constexpr std::string_view file_head = "$DORN-KZ";
 
 [[noreturn]] void unreadable(const std::string& path, std::string_view why) {
     throw Failure(exit_file, fmt::format("{}: {}", path.empty() ? "\"\"" : path, why));
@@ -33,10 +33,6 @@ void find_unread_tables(const KZB_STORE& store, std::vector<std::string>& damage
 }
 
 }  // namespace
-
-void StoreCloser::operator()(KZB_STORE* store) const {
-    kzb_finish(store);
-}
 
 std::string_view motor_name(int motor_type) {
     switch (motor_type) {
@@ -67,13 +63,9 @@ std::string_view motor_name(int motor_type) {
 
 ModelFile read_model(const std::string& path) {
     ModelFile model;
-    model.has_head = start_of_regular_file(path, head.size(), "a KZB file") == head;
-    KZB_STORE* store = nullptr;
-    kzb_initialize(&store);
-    model.store.reset(store);
-    if (store == nullptr) {
-        throw Failure(exit_run_failed, "not enough memory");
-    }
+    model.has_head = start_of_regular_file(path, file_head.size(), "a KZB file") == file_head;
+    model.store = open_store();
+    KZB_STORE* const store = model.store.get();
 
     const OlderText form(path);
     LibraryNoise noise;

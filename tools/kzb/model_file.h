@@ -1,22 +1,17 @@
 // A KZB file opened through the store, with the bodies of all its tables.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "kzb/store_pointer.h"
 #include "store/store.h"
 
 namespace kzb::tool {
 
-struct StoreCloser {
-    void operator()(KZB_STORE* store) const;
-};
-using StoreHandle = std::unique_ptr<KZB_STORE, StoreCloser>;
-
 struct ModelFile {
-    StoreHandle store;
+    StorePointer store;
     bool has_head = false;            // false: a file of the older layout
     std::vector<std::string> notes;   // what the library said that means no loss
     std::vector<std::string> damage;  // what could not be read; empty for a sound file

@@ -11,21 +11,22 @@
 #include "kzb/input_text.h"
 #include "kzb/scenario_section.h"
 #include "kzb/text.h"
+#include "kzb/toml_document.h"
 
 namespace kzb::tool {
 
 namespace {
 
-struct Unit {
+struct ParameterUnit {
     std::string_view name;
     Dimension dimension;
     double scale;
     double offset = 0.0;
 };
 
-const std::vector<Unit>& units() {
+const std::vector<ParameterUnit>& units() {
     using enum Dimension;
-    static const std::vector<Unit> all{
+    static const std::vector<ParameterUnit> all{
         {"1", number, 1.0},
         {"ohm", resistance, 1.0},
         {"Ohm", resistance, 1.0},
@@ -57,7 +58,7 @@ const std::vector<Unit>& units() {
 
 std::string unit_names(Dimension dimension) {
     std::vector<std::string_view> names;
-    for (const Unit& unit : units()) {
+    for (const ParameterUnit& unit : units()) {
         if (unit.dimension == dimension) {
             names.push_back(unit.name);
         }
@@ -69,7 +70,7 @@ bool ends_in(const std::string& text, std::string_view end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-std::size_t column_of(const CsvTable& csv, const char* header) {
+std::size_t required_column(const CsvTable& csv, const char* header) {
     if (const auto column = csv.column(header)) {
         return *column;
     }
@@ -83,7 +84,7 @@ std::optional<double> in_si(double value, std::string_view unit, Dimension dimen
     if (unit.empty()) {
         return value;
     }
-    for (const Unit& known : units()) {
+    for (const ParameterUnit& known : units()) {
         if (known.name == unit && known.dimension == dimension) {
             return value * known.scale + known.offset;
         }
@@ -101,8 +102,8 @@ ParameterFile ParameterFile::read(const std::string& path) {
 
 ParameterFile ParameterFile::parse_csv(const std::string& text, const std::string& name) {
     const CsvTable csv = CsvTable::parse(text, name);
-    const std::size_t name_column = column_of(csv, "name");
-    const std::size_t value_column = column_of(csv, "value");
+    const std::size_t name_column = required_column(csv, "name");
+    const std::size_t value_column = required_column(csv, "value");
     const auto unit_column = csv.column("unit");
     const std::vector<double> values = csv.numbers(value_column);
     ParameterFile file;
@@ -121,20 +122,14 @@ ParameterFile ParameterFile::parse_csv(const std::string& text, const std::strin
 ParameterFile ParameterFile::parse_toml(const std::string& text, const std::string& name) {
     ParameterFile file;
     file.file_ = name;
-    try {
-        const toml::table document = toml::parse(text, name);
-        for (const auto& [key, node] : document) {
-            const std::string place = fmt::format("{}:{}", name, node.source().begin.line);
-            const std::optional<double> value = node.is_number() ? node.value<double>() : std::nullopt;
-            if (!value || !std::isfinite(*value)) {
-                throw Failure(exit_file,
-                              fmt::format("{}: {}: expected a finite number", place, printable_line(key.str())));
-            }
-            file.entries_.emplace(std::string(key.str()), Entry{*value, "", place});
+    const toml::table document = tool::parse_toml(text, name);
+    for (const auto& [key, node] : document) {
+        const std::string place = fmt::format("{}:{}", name, node.source().begin.line);
+        const std::optional<double> value = node.is_number() ? node.value<double>() : std::nullopt;
+        if (!value || !std::isfinite(*value)) {
+            throw Failure(exit_file, fmt::format("{}: {}: expected a finite number", place, printable_line(key.str())));
         }
-    } catch (const toml::parse_error& e) {
-        throw Failure(exit_file, fmt::format("{}:{}: not valid TOML: {}", name, e.source().begin.line,
-                                             printable_line(e.description())));
+        file.entries_.emplace(std::string(key.str()), Entry{*value, "", place});
     }
     return file;
 }

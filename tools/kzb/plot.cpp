@@ -16,7 +16,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct PlotOptions {
     std::string file;
     std::string table;
     std::string out;
@@ -26,10 +26,9 @@ struct Options {
     int curves = 12;
 };
 
-constexpr int width = 1000;
-constexpr int height = 700;
+constexpr int plot_height = 700;
 
-const KZB_TABLE& table_named(const KZB_STORE& store, const Options& options) {
+const KZB_TABLE& table_named(const KZB_STORE& store, const PlotOptions& options) {
     const std::string& name = options.table;
     const std::optional<EntryName> found = find_entry(
         name, [&store](const EntryName& entry) { return find_table(store, entry.category, entry.key) != nullptr; });
@@ -126,14 +125,14 @@ std::string heatmap_script(const TableView& view) {
                              gnuplot_text(title_of(view)), view.x, *view.y, gnuplot_text(view.table->keyword));
 }
 
-void plot(const Options& options, const Context& context) {
+void plot(const PlotOptions& options, const Context& context) {
     image_form_of(options.out);
     const ModelFile model = read_model(options.file);
     for (const std::string& line : model.damage) {
         warn(fmt::format("{}: {}", options.file, printable_line(line)));
     }
     const TableView view = view_of(table_named(*model.store, options), options.table, options.axes, options.held);
-    run_gnuplot(options.out, width, height,
+    run_gnuplot(options.out, plot_width, plot_height,
                 options.kind == "curves" ? curves_script(view, options.curves) : heatmap_script(view));
     context.print(fmt::format("{}: {}\n", options.out, printable_line(title_of(view))));
 }
@@ -142,7 +141,7 @@ void plot(const Options& options, const Context& context) {
 
 void add_plot(CLI::App& app, Context& context) {
     CLI::App* plot_app = app.add_subcommand("plot", "Draw a table as curves or as a heat map (needs gnuplot)");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<PlotOptions>();
     plot_app->add_option("file", options->file, "KZB file")->required()->type_name("FILE");
     plot_app->add_option("table", options->table, "Table as CATEGORY/KEY")->required()->type_name("TABLE");
     plot_app->add_option("--out,-o", options->out, "Image to write, .png or .svg")->required()->type_name("IMAGE");

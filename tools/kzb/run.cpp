@@ -27,7 +27,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct RunOptions {
     std::string file;
     std::string scenario;
     std::string out;
@@ -39,7 +39,7 @@ struct Options {
 // Rows as CSV, to a file or to the caller's stdout.
 class CsvWriter {
   public:
-    CsvWriter(const Options& options, const Context& context) : context_(context) {
+    CsvWriter(const RunOptions& options, const Context& context) : context_(context) {
         if (!options.csv_on_stdout()) {
             file_.emplace(options.out);
         }
@@ -80,7 +80,7 @@ class CsvWriter {
     std::string text_;
 };
 
-Json summary_head(const Options& options, const Machine& machine, const Scenario& scenario) {
+Json summary_head(const RunOptions& options, const Machine& machine, const Scenario& scenario) {
     Json summary;
     summary["file"] = valid_utf8(options.file);
     summary["scenario"] = valid_utf8(options.scenario);
@@ -106,7 +106,7 @@ Json failed_sets(const std::vector<FailedSet>& failed) {
 }
 
 // All refused settings, one line each; the last is the Failure that ends the command.
-[[noreturn]] void refuse(const Options& options, const Context& context, Json summary,
+[[noreturn]] void refuse(const RunOptions& options, const Context& context, Json summary,
                          const std::vector<FailedSet>& failed) {
     if (options.json) {
         summary["steps"] = 0;
@@ -143,7 +143,7 @@ Json statistics_report(const std::vector<Output>& outputs, const std::vector<Sta
     return report;
 }
 
-std::string summary_text(const Options& options, const Scenario& scenario, std::uint64_t recorded,
+std::string summary_text(const RunOptions& options, const Scenario& scenario, std::uint64_t recorded,
                          const std::vector<Output>& outputs, const std::vector<Statistics>& statistics) {
     std::string text = fmt::format("{}: {} steps of {} s from {} s, {} recorded\n{:<22}{:>14}{:>14}{:>14}{:>14}\n",
                                    printable_line(options.file), scenario.samples, scenario.step, scenario.start,
@@ -156,7 +156,7 @@ std::string summary_text(const Options& options, const Scenario& scenario, std::
     return text;
 }
 
-void warn_of_run(const Options& options, const Simulation& simulation, const std::vector<Output>& outputs,
+void warn_of_run(const RunOptions& options, const Simulation& simulation, const std::vector<Output>& outputs,
                  const std::vector<Statistics>& statistics) {
     for (const auto& [code, steps] : simulation.lookup_errors()) {
         warn(fmt::format("{}: {} steps had a table lookup with error {}: {}", options.file, steps, code,
@@ -194,7 +194,7 @@ Machine machine_in(const std::string& file) {
 }
 
 // The rows may not take the place of what the run reads or draws.
-void refuse_same_files(const Options& options) {
+void refuse_same_files(const RunOptions& options) {
     if (options.out.empty() || options.csv_on_stdout()) {
         return;
     }
@@ -203,7 +203,7 @@ void refuse_same_files(const Options& options) {
     refuse_same_file(options.out, options.plot, "the plot");
 }
 
-void run(const Options& options, const Context& context) {
+void run(const RunOptions& options, const Context& context) {
     if (options.csv_on_stdout() && options.json) {
         throw Failure(exit_usage, "--out - and --json both write on stdout, expected one of them");
     }
@@ -276,7 +276,7 @@ void run(const Options& options, const Context& context) {
 
 void add_run(CLI::App& app, Context& context) {
     CLI::App* run_app = app.add_subcommand("run", "Step the machine of a KZB file through a scenario");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<RunOptions>();
     run_app->add_option("file", options->file, "KZB file")->required()->type_name("FILE");
     run_app->add_option("scenario", options->scenario, "Scenario in TOML")->required()->type_name("SCENARIO");
     run_app->add_option("--out,-o", options->out, "CSV file to write, - for stdout")->type_name("CSV");

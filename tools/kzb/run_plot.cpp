@@ -12,7 +12,6 @@ namespace kzb::tool {
 namespace {
 
 constexpr std::uint64_t stretch_count = 4000;
-constexpr int width = 1000;
 constexpr int panel_height = 300;
 
 struct PanelKind {
@@ -120,7 +119,7 @@ void RunPlot::draw(const std::string& path, const std::string& title) {
         script += curves + "\n";
     }
     script += "unset multiplot\n";
-    run_gnuplot(path, width, panel_height * static_cast<int>(panels_.size()), script);
+    run_gnuplot(path, plot_width, panel_height * static_cast<int>(panels_.size()), script);
 }
 
 }  // namespace kzb::tool

@@ -5,29 +5,18 @@
 #include "fmt/format.h"
 #include "fmt/ranges.h"
 #include "kzb/command.h"
-#include "kzb/input_text.h"
 #include "kzb/scenario_generic.h"
 #include "kzb/scenario_motion.h"
 #include "kzb/scenario_section.h"
 #include "kzb/scenario_settings.h"
 #include "kzb/scenario_waveform.h"
-#include "kzb/text.h"
+#include "kzb/toml_document.h"
 
 namespace kzb::tool {
 
 namespace {
 
 constexpr double sample_limit = 1e10;
-
-toml::table parse_file(const std::string& file) {
-    const std::string text = read_input_text(file, "a scenario in TOML");
-    try {
-        return toml::parse(text, file);
-    } catch (const toml::parse_error& e) {
-        throw Failure(exit_file, fmt::format("{}:{}: not valid TOML: {}", file, e.source().begin.line,
-                                             printable_line(e.description())));
-    }
-}
 
 void read_time(Section& root, Scenario& scenario) {
     std::optional<Section> time = root.section("time");
@@ -124,7 +113,7 @@ void read_record(Section& root, Scenario& scenario) {
 }  // namespace
 
 Scenario read_scenario(const std::string& file, const Machine& machine) {
-    const toml::table document = parse_file(file);
+    const toml::table document = read_toml(file, "a scenario in TOML");
     Section root(document, "", file);
     Scenario scenario;
     scenario.file = file;

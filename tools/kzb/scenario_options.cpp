@@ -21,7 +21,7 @@ int set_initial_position(double metres, KZB_CALC* handle) {
 // clang-format off
 #define KZB_CALL(kind, name, ...) #name, kind{name __VA_OPT__(,) __VA_ARGS__}
 // clang-format on
-const std::vector<ScenarioOption> options = {
+const std::vector<ScenarioOption> option_table = {
     {"model", "interpolation", "", before,
      KZB_CALL(WordCall, kzbcalcSetInterpolationType, {"linear", "cubic", "spline4", "spline6", "spline"})},
     {"model", "accuracy", "", before, KZB_CALL(IntegerCall, kzbcalcSetAccuracyType)},
@@ -84,7 +84,7 @@ const std::vector<ScenarioOption> options = {
 }  // namespace
 
 const std::vector<ScenarioOption>& scenario_options() {
-    return options;
+    return option_table;
 }
 
 }  // namespace kzb::tool

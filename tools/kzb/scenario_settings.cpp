@@ -96,12 +96,6 @@ void read_section(Section& root, const char* name, const Machine& machine, Scena
     section->end();
 }
 
-struct SkewSide {
-    int type = skew_none;
-    double angle_deg = 0.0;
-    int steps = 0;
-};
-
 SkewSide read_skew_side(Section& skew, const char* key) {
     std::optional<Section> section = skew.section(key);
     SkewSide side;

@@ -13,7 +13,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct SetOptions {
     RewriteOptions rewrite;
     std::vector<std::string> assignments;
     std::string type;  // of keys that are new
@@ -25,7 +25,7 @@ struct Assignment {
 };
 
 // A new key stands in a category that exists, else in a new one, named before the first slash.
-EntryName new_entry(const KZB_STORE& store, const Options& options, const std::string& name) {
+EntryName new_entry(const KZB_STORE& store, const SetOptions& options, const std::string& name) {
     std::optional<EntryName> entry =
         find_entry(name, [&store](const EntryName& tried) { return has_category(store, tried.category); });
     if (!entry) {
@@ -39,7 +39,7 @@ EntryName new_entry(const KZB_STORE& store, const Options& options, const std::s
 }
 
 // Names may hold an equals sign: the first one behind a name that exists divides, else the first at all.
-Assignment understand(const KZB_STORE& store, const Options& options, const std::string& text) {
+Assignment understand(const KZB_STORE& store, const SetOptions& options, const std::string& text) {
     const std::optional<ParameterKind> kind = kind_named(options.type);
     for (std::size_t at = text.find('='); at != std::string::npos; at = text.find('=', at + 1)) {
         if (const auto known = find_parameter(store, text.substr(0, at), kind, options.rewrite.input)) {
@@ -60,7 +60,7 @@ Assignment understand(const KZB_STORE& store, const Options& options, const std:
     return {{entry, *kind}, text.substr(equals + 1)};
 }
 
-void assign(KZB_STORE& store, const Options& options) {
+void assign(KZB_STORE& store, const SetOptions& options) {
     std::vector<std::string> done;
     for (const std::string& text : options.assignments) {
         const Assignment assignment = understand(store, options, text);
@@ -74,7 +74,7 @@ void assign(KZB_STORE& store, const Options& options) {
     }
 }
 
-void set(const Options& options, const Context& context) {
+void set(const SetOptions& options, const Context& context) {
     Edit edit;
     edit.change = [&options](KZB_STORE& store, Remarks&) { assign(store, options); };
     context.print(outcome_text(rewrite_model(options.rewrite, &edit)));
@@ -84,7 +84,7 @@ void set(const Options& options, const Context& context) {
 
 void add_set(CLI::App& app, Context& context) {
     CLI::App* set_app = app.add_subcommand("set", "Copy a KZB file with other values of single parameters");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<SetOptions>();
     add_rewrite_options(*set_app, options->rewrite);
     set_app->add_option("assignments", options->assignments, "Parameters and their new values")
         ->required()

@@ -7,13 +7,7 @@
 
 namespace kzb::tool {
 
-namespace {
-
-constexpr double third = 2.0 * std::numbers::pi / 3.0;
-
-}  // namespace
-
-SimpleFlux::SimpleFlux(const KZB_TABLE& magnet, const KZB_TABLE& inductance, const Travel& travel)
+SimpleFlux::SimpleFlux(const KZB_TABLE& magnet, const KZB_TABLE& inductance, const TravelScale& travel)
     : magnet_(magnet),
       inductance_(inductance),
       travel_(travel),
@@ -38,13 +32,13 @@ std::optional<double> SimpleFlux::torque(double amplitude, double phase, double 
     double sines[3];
     double psi[3];
     for (std::size_t k = 0; k < 3; ++k) {
-        cosines[k] = scale * std::cos(theta - third * static_cast<double>(k));
-        sines[k] = -scale * std::sin(theta - third * static_cast<double>(k));
+        cosines[k] = scale * std::cos(theta - third_of_turn * static_cast<double>(k));
+        sines[k] = -scale * std::sin(theta - third_of_turn * static_cast<double>(k));
         const double low = magnet_.values[3 * on_magnet->lo + k];
         psi[k] = low + on_magnet->t * (magnet_.values[3 * on_magnet->hi + k] - low);
     }
     for (std::size_t column = 0; column < 3; ++column) {
-        const double current = cosines[column] * dq.d + sines[column] * dq.q;
+        const double current = cosines[column] * dq.id + sines[column] * dq.iq;
         const Spot& at = current < 0.0 ? *opposite : *here;
         for (std::size_t row = 0; row < 3; ++row) {
             psi[row] += element(*on_amplitude, at, 3 * column + row) * current;
@@ -56,7 +50,7 @@ std::optional<double> SimpleFlux::torque(double amplitude, double phase, double 
         psi_d += cosines[k] * psi[k];
         psi_q += sines[k] * psi[k];
     }
-    return travel_.torque_factor * (psi_d * dq.q - psi_q * dq.d);
+    return travel_.torque_factor * (psi_d * dq.iq - psi_q * dq.id);
 }
 
 double SimpleFlux::element(const Spot& amplitude, const Spot& position, std::size_t component) const {

@@ -15,7 +15,7 @@ namespace kzb::tool {
 class SimpleFlux {
   public:
     // `magnet` over position and phase; `inductance` over amplitude, position and the nine elements by columns.
-    SimpleFlux(const KZB_TABLE& magnet, const KZB_TABLE& inductance, const Travel& travel);
+    SimpleFlux(const KZB_TABLE& magnet, const KZB_TABLE& inductance, const TravelScale& travel);
 
     // k (psi_d i_q - psi_q i_d) at one position; nothing outside the tables, or below the first amplitude, where the
     // model blends.
@@ -26,7 +26,7 @@ class SimpleFlux {
 
     const KZB_TABLE& magnet_;
     const KZB_TABLE& inductance_;
-    Travel travel_;
+    TravelScale travel_;
     std::vector<double> magnet_positions_;
     std::vector<double> amplitudes_;
     std::vector<double> positions_;

@@ -12,6 +12,7 @@
 #include "kzb/library_noise.h"
 #include "kzb/older_text.h"
 #include "kzb/status_text.h"
+#include "table/lookup.h"
 
 namespace kzb::tool {
 
@@ -19,7 +20,6 @@ namespace {
 
 constexpr int voltage_mode = 1;
 constexpr int current_mode = 2;
-constexpr int table_not_found = 90006;
 
 // Lookups by "Spline" over two and more axes leave "table not found" behind them even when they succeed: by choice, or
 // of the magnet flux of these machines always.
@@ -152,7 +152,7 @@ void Simulation::begin_lookups() {
 void Simulation::count_lookup_error() {
     KZB_STORE* const store = handle_->store.get();
     if (const int error = kzb_has_error(store); error != 0) {
-        if (error != table_not_found || !by_spline_) {
+        if (error != lookup_no_table || !by_spline_) {
             ++lookup_errors_[error];
         }
         kzb_reset_error(store);

@@ -39,6 +39,16 @@ bool is_unusable(double value) {
     return !(std::abs(value) <= largest_usable);
 }
 
+double largest_magnitude(const KZB_TABLE& table) {
+    double largest = 0.0;
+    for (std::size_t i = 0; i < table.values.size(); ++i) {
+        if (!is_unusable(table.values[i])) {
+            largest = std::max(largest, std::abs(table.values[i]));
+        }
+    }
+    return largest;
+}
+
 bool is_sound(const KZB_TABLE& table) {
     if (!has_values(table) ||
         std::any_of(table.values.data(), table.values.data() + table.values.size(), is_unusable)) {

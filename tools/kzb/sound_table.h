@@ -13,6 +13,8 @@ bool has_values(const KZB_TABLE& table);
 bool has_nodes(const KZB_TABLE& table, std::size_t axis);
 // Not a number, infinite, or so large that lookups take it for a fault.
 bool is_unusable(double value);
+// Of the usable values of a table that has them.
+double largest_magnitude(const KZB_TABLE& table);
 // Everything at once: values and nodes stand, are usable numbers, and the nodes rise strictly.
 bool is_sound(const KZB_TABLE& table);
 // The table when it is there and sound, else null: what is wrong with it is another check's finding.

@@ -7,14 +7,11 @@
 
 #include "fmt/format.h"
 #include "kzb/command.h"
+#include "kzb/nearly_equal.h"
 
 namespace kzb::tool {
 
 namespace {
-
-bool near(double a, double b) {
-    return std::fabs(a - b) < 1e-6 * std::fabs(b);
-}
 
 // The line of one position behind the others; `sign` on the torque.
 void repeat_line(CoilMap& map, std::size_t of, double at, double sign) {
@@ -27,7 +24,7 @@ void repeat_line(CoilMap& map, std::size_t of, double at, double sign) {
     map.positions.push_back(at);
 }
 
-void require_flux(const CoilMap& map) {
+void require_phase_flux(const CoilMap& map) {
     for (std::size_t p = 0; p < map.positions.size(); ++p) {
         for (std::size_t i = 1; i < map.currents.size(); ++i) {
             if (!(map.flux[map.index(p, i)] > 0.0)) {
@@ -51,22 +48,22 @@ double wrapped(double theta, double pitch) {
 }  // namespace
 
 CoilMap whole_pitch(CoilMap map, double pitch, std::vector<std::string>& notes) {
-    require_flux(map);
+    require_phase_flux(map);
     const double first = map.positions.front();
     const double span = map.positions.back() - first;
     const double step = span / static_cast<double>(map.positions.size() - 1);
     if (std::fabs(first) > 1e-9 * pitch) {
         throw Failure(exit_file, fmt::format("{}: positions start at {:g} deg, expected 0", map.name, first));
     }
-    if (near(span, 0.5 * pitch)) {
+    if (nearly_equal(span, 0.5 * pitch)) {
         for (std::size_t p = map.positions.size() - 1; p-- > 0;) {
             repeat_line(map, p, p == 0 ? pitch : pitch - map.positions[p], -1.0);
         }
         notes.push_back(fmt::format("positions {:g} to {:g} deg are the mirror image of the half pitch of the map",
                                     0.5 * pitch, pitch));
-    } else if (near(span, pitch)) {
+    } else if (nearly_equal(span, pitch)) {
         map.positions.back() = pitch;
-    } else if (near(span + step, pitch)) {
+    } else if (nearly_equal(span + step, pitch)) {
         repeat_line(map, 0, pitch, 1.0);
     } else {
         throw Failure(exit_file, fmt::format("{}: positions run from {:g} to {:g} deg, expected 0 to {:g} (a rotor "

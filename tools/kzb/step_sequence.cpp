@@ -16,7 +16,7 @@ struct Stride {
 };
 
 // Which eighths a mode takes.
-constexpr Stride stride_of(StepMode mode) {
+constexpr Stride stride_in(StepMode mode) {
     switch (mode) {
         case StepMode::full:
             return {1, 2};
@@ -47,7 +47,7 @@ double StepSequence::steps_at(const StepData& data, double time) {
 }
 
 int StepSequence::sign_of(const StepData& data, int phase, double steps) {
-    const Stride stride = stride_of(data.mode);
+    const Stride stride = stride_in(data.mode);
     const double forward = data.backward ? -steps : steps;
     const int eighth = static_cast<int>(std::fmod(forward * stride.step, 8.0)) + stride.first + 16;
     return signs[(eighth - (phase == 0 ? 0 : 2)) % 8];

@@ -6,7 +6,7 @@ namespace kzb::tool {
 
 namespace {
 
-constexpr double rounding = 1e-9;  // N m or N: below this a machine has no torque
+constexpr double least_torque = 1e-9;  // N m or N: below this a machine has no torque
 
 }  // namespace
 
@@ -37,7 +37,7 @@ void TorqueComparison::add_maps(const CurrentMap& torque, const CurrentMap& flux
 }
 
 void TorqueComparison::tell(Findings& findings) const {
-    const double allowed = std::max(share_ * peak_, rounding);
+    const double allowed = std::max(share_ * peak_, least_torque);
     const auto off = std::count_if(gaps_.begin(), gaps_.end(), [&](double gap) { return gap > allowed; });
     if (off == 0) {
         return;

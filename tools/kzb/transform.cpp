@@ -11,14 +11,14 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct TransformOptions {
     RewriteOptions rewrite;
     std::string kind;
     SkewOptions skew;
 };
 
-// Options of one kind alone that were given with another.
-void refuse_foreign_options(const CLI::App& app, const Options& options) {
+// TransformOptions of one kind alone that were given with another.
+void refuse_foreign_options(const CLI::App& app, const TransformOptions& options) {
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_group() == "Skew" && option->count() > 0 && options.kind != "skew") {
             throw Failure(exit_usage, option->get_name() + ": is an option of skew alone");
@@ -41,7 +41,7 @@ void add_skew_side(CLI::App& app, const std::string& side, SkewSideOptions& opti
 void add_transform(CLI::App& app, Context& context) {
     CLI::App* transform_app =
         app.add_subcommand("transform", "Copy a KZB file with rewritten tables: skew, expand, ldlq, dq0, uvw");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<TransformOptions>();
     add_rewrite_options(*transform_app, options->rewrite);
     transform_app
         ->add_option("kind", options->kind,

@@ -7,12 +7,11 @@
 #include "kzb/command.h"
 #include "kzb/library_call.h"
 #include "store/messages.h"
+#include "table/lookup.h"
 
 namespace kzb::tool {
 
 namespace {
-
-constexpr int table_not_found = 90006;  // also left by every "Spline" lookup of two and more axes that stays in range
 
 bool has_grids(const KZB_TABLE& table) {
     return std::all_of(table.axes.begin(), table.axes.end(),
@@ -70,7 +69,8 @@ void TransformGuard::run(KZB_STORE& store, int done, const std::function<int(KZB
     if (answer.result != done || !answer.said.empty()) {
         refuse(cause_of(answer));
     }
-    if (answer.error != 0 && answer.error != table_not_found) {
+    // lookup_no_table is also left by every "Spline" lookup of two and more axes that stays in range.
+    if (answer.error != 0 && answer.error != lookup_no_table) {
         remarks.push_back(fmt::format("{}: {}: a lookup left the range of its table and took the value at the edge: {}",
                                       file_, kind_, error_text(answer.error)));
     }

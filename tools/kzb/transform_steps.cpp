@@ -13,12 +13,6 @@ namespace kzb::tool {
 
 namespace {
 
-struct SkewSide {
-    int type = skew_none;
-    double angle_deg = 0.0;
-    int steps = 0;
-};
-
 SkewSide skew_side(const SkewSideOptions& options, const char* letter) {
     SkewSide side;
     const auto* const word = std::find(skew_words.begin(), skew_words.end(), options.type);

@@ -15,7 +15,7 @@ namespace kzb::tool {
 
 namespace {
 
-struct Options {
+struct ValidateOptions {
     std::string file;
     bool json = false;
 };
@@ -82,7 +82,7 @@ std::string as_text(const std::string& file, const Findings& findings) {
     return text + printable_line(fmt::format("{}: {}", file, summary)) + '\n';
 }
 
-void validate(const Options& options, Context& context) {
+void validate(const ValidateOptions& options, Context& context) {
     const ModelFile file = read_or_explain(options.file);
     const KZB_STORE& store = *file.store;
     const Examined model{options.file, file, store, get_int(store, "control", "motor_type")};
@@ -98,7 +98,7 @@ void validate(const Options& options, Context& context) {
 
 void add_validate(CLI::App& app, Context& context) {
     CLI::App* command = app.add_subcommand("validate", "List what is wrong or suspicious in a KZB file");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ValidateOptions>();
     command->add_option("file", options->file, "KZB file")->required()->type_name("FILE");
     command->add_flag("--json", options->json, "JSON on stdout");
     command->footer("Exit codes: 0 nothing found, 1 findings, 2 wrong usage, 3 the file cannot be read.");

@@ -13,7 +13,7 @@ namespace kzb::tool {
 
 namespace {
 
-std::string name_of(const Application& application) {
+std::string name_of(const ApplicationTables& application) {
     return *application.word == '\0' ? application.motor : fmt::format("{} {}", application.motor, application.word);
 }
 
@@ -125,7 +125,7 @@ void check_layout(const KZB_TABLE& table, const TableUse& use, const Layout& lay
     }
 }
 
-void check_table(const Application& application, const TableUse& use, const Examined& model, Findings& findings) {
+void check_table(const ApplicationTables& application, const TableUse& use, const Examined& model, Findings& findings) {
     const KZB_TABLE* table = find_table(model.store, use.category, use.key);
     const Subject subject{use.category, use.key, ""};
     if (table == nullptr) {
@@ -165,7 +165,7 @@ void expect_same_dim(const KZB_STORE& store, const TableUse& of, const TableUse&
 }
 
 // The torque of Harmonic lies in one of two categories; the category decides what it is looked up with.
-void check_harmonic_torque(const Application& application, const Examined& model, Findings& findings) {
+void check_harmonic_torque(const ApplicationTables& application, const Examined& model, Findings& findings) {
     const bool by_phase = has_category(model.store, "harmonic_torque");
     const TableUse use = by_phase ? TableUse{"harmonic_torque", "torque_ibeta", {{"bPa"}}}
                                   : TableUse{"pmsm_torque", "torque_ibeta", {{"iipi"}}};
@@ -173,7 +173,7 @@ void check_harmonic_torque(const Application& application, const Examined& model
 }
 
 // What one table cannot show alone.
-void check_together(const Application& application, const Examined& model, Findings& findings) {
+void check_together(const ApplicationTables& application, const Examined& model, Findings& findings) {
     const std::string_view word = application.word;
     const KZB_STORE& store = model.store;
     if (model.motor_type == 10000 && word == "Harmonic") {
@@ -194,7 +194,7 @@ void check_together(const Application& application, const Examined& model, Findi
 }
 
 // The tables of a machine with tables of its own; without them its constants make them.
-void check_induction(const Application& application, const Examined& model, Findings& findings) {
+void check_induction(const ApplicationTables& application, const Examined& model, Findings& findings) {
     constexpr const char* category = "InductionParam_HigherAccuracy";
     if (!has_category(model.store, category)) {
         return;
@@ -248,7 +248,7 @@ void check_accuracy(const Examined& model, Findings& findings) {
 void check_applications(const Examined& model, Findings& findings) {
     std::vector<std::string> expected;
     bool any = false;
-    for (const Application* application : applications_of(model.motor_type)) {
+    for (const ApplicationTables* application : applications_of(model.motor_type)) {
         expected.push_back(name_of(*application));
         if (!has_application(model.store, application->motor, application->word)) {
             continue;

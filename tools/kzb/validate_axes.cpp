@@ -15,7 +15,7 @@ namespace {
 // Of the largest value of the table; far below what the interpolation between nodes is worth.
 constexpr double cyclic_tolerance = 1e-3;
 // Of the largest value of the tables of the category: a component that is zero but for rounding has no size of its own.
-constexpr double rounding = 1e-9;
+constexpr double rounding_share = 1e-9;
 // Of one table; no model looks a table of more axes up, and a broken file may hold millions.
 constexpr std::size_t most_axes = 64;
 
@@ -51,16 +51,6 @@ void check_nodes(const KZB_TABLE& table, const std::string& category, std::size_
                        fmt::format("{} is not above {} of the node before, expected nodes that rise ({} of {} do not)",
                                    nodes[first_falling], nodes[first_falling - 1], falling, nodes.size() - 1));
     }
-}
-
-double largest_magnitude(const KZB_TABLE& table) {
-    double largest = 0.0;
-    for (std::size_t i = 0; i < table.values.size(); ++i) {
-        if (!is_unusable(table.values[i])) {
-            largest = std::max(largest, std::abs(table.values[i]));
-        }
-    }
-    return largest;
 }
 
 // The worst pair of end values of one cyclic axis.
@@ -122,7 +112,8 @@ void check_cyclic_ends(const Examined& model, Findings& findings) {
             if (!has_values(table) || std::none_of(table.cyclic.begin(), table.cyclic.end(), closes)) {
                 continue;
             }
-            const double tolerance = std::max(cyclic_tolerance * largest_magnitude(table), rounding * largest_of_all);
+            const double tolerance =
+                std::max(cyclic_tolerance * largest_magnitude(table), rounding_share * largest_of_all);
             for (std::size_t axis = 0; axis < std::min(table.cyclic.size(), most_axes); ++axis) {
                 if (closes(table.cyclic[axis]) && table.sizes[axis] > 1) {
                     compare_ends(table, category.name, axis, tolerance, findings);

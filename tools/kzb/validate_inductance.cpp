@@ -46,14 +46,6 @@ bool is_positive(const double* columns, std::size_t n, double shift) {
     return true;
 }
 
-double largest_magnitude(const KZB_TABLE& table) {
-    double largest = 0.0;
-    for (std::size_t i = 0; i < table.values.size(); ++i) {
-        largest = std::max(largest, std::abs(table.values[i]));
-    }
-    return largest;
-}
-
 // Elements on the diagonal of every matrix, all elements where n is 1.
 void check_diagonal(const KZB_TABLE& table, const char* category, std::size_t n, double tolerance, Findings& findings) {
     std::size_t negative = 0;
@@ -186,7 +178,7 @@ void check_induction(const KZB_STORE& store, Findings& findings) {
 }  // namespace
 
 void check_inductance(const Examined& model, Findings& findings) {
-    for (const Application* application : applications_of(model.motor_type)) {
+    for (const ApplicationTables* application : applications_of(model.motor_type)) {
         if (!has_application(model.store, application->motor, application->word)) {
             continue;
         }

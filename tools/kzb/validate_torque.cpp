@@ -26,7 +26,7 @@ constexpr double share_of_flux = 0.05;
 constexpr double share_of_secants = 0.20;
 
 // A mean over part of a period keeps some ripple: then nothing is compared.
-bool covers_period(const KZB_TABLE& table, std::size_t axis, const Travel& travel) {
+bool covers_period(const KZB_TABLE& table, std::size_t axis, const TravelScale& travel) {
     const std::size_t count = rows_of(table, axis);
     if (count == 1) {
         return true;
@@ -36,7 +36,7 @@ bool covers_period(const KZB_TABLE& table, std::size_t axis, const Travel& trave
     return turn > 30.0 && std::abs(turn - 60.0 * std::round(turn / 60.0)) < 1e-3;
 }
 
-void check_harmonic(const KZB_STORE& store, const Travel& travel, Findings& findings) {
+void check_harmonic(const KZB_STORE& store, const TravelScale& travel, Findings& findings) {
     const KZB_TABLE* torque = sound_table(store, "harmonic_torque", "torque_ibeta");
     const KZB_TABLE* flux = sound_table(store, "current_flux", "flux");
     if (torque == nullptr || flux == nullptr || torque->dim != 3 || flux->dim != 4 || flux->sizes[3] != 3 ||
@@ -48,7 +48,7 @@ void check_harmonic(const KZB_STORE& store, const Travel& travel, Findings& find
     comparison.tell(findings);
 }
 
-void check_wound_field(const KZB_STORE& store, const Travel& travel, Findings& findings) {
+void check_wound_field(const KZB_STORE& store, const TravelScale& travel, Findings& findings) {
     const KZB_TABLE* torque = sound_table(store, "harmonic_torque", "torque_ibeta");
     const KZB_TABLE* flux = sound_table(store, "current_flux", "flux");
     if (torque == nullptr || flux == nullptr || torque->dim != 4 || flux->dim != 5 || flux->sizes[4] != 4 ||
@@ -78,7 +78,7 @@ std::optional<double> torque_at(const KZB_TABLE& table, const std::vector<double
     return low + on_phase->t * (along(on_phase->hi) - low);
 }
 
-void check_flux_integral(const KZB_STORE& store, const Travel& travel, Findings& findings) {
+void check_flux_integral(const KZB_STORE& store, const TravelScale& travel, Findings& findings) {
     const KZB_TABLE* torque = sound_table(store, "harmonic_torque", "torque_ibeta");
     const KZB_TABLE* id = sound_table(store, "current_table", "id");
     const KZB_TABLE* iq = sound_table(store, "current_table", "iq");
@@ -121,7 +121,7 @@ void check_flux_integral(const KZB_STORE& store, const Travel& travel, Findings&
 }
 
 // `category`/`key`: torque over phase, position and amplitude.
-void check_simple(const KZB_STORE& store, const Travel& travel, const char* category, const char* key,
+void check_simple(const KZB_STORE& store, const TravelScale& travel, const char* category, const char* key,
                   Findings& findings) {
     const KZB_TABLE* torque = sound_table(store, category, key);
     const KZB_TABLE* inductance = sound_table(store, "inductance", "inductance");
@@ -157,7 +157,7 @@ void check_simple(const KZB_STORE& store, const Travel& travel, const char* cate
 }
 
 // The model of LdLq forms its torque from the inductances; a torque table beside them should be the same torque.
-void check_ldlq(const KZB_STORE& store, const Travel& travel, Findings& findings) {
+void check_ldlq(const KZB_STORE& store, const TravelScale& travel, Findings& findings) {
     const KZB_TABLE* torque = sound_table(store, "dq_torque", "torque_ibeta");
     const KZB_TABLE* tables[2] = {sound_table(store, "dq_inductance", "d_inductance"),
                                   sound_table(store, "dq_inductance", "q_inductance")};
@@ -190,7 +190,7 @@ void check_ldlq(const KZB_STORE& store, const Travel& travel, Findings& findings
                 continue;
             }
             const DqCurrent dq = dq_current(amplitude, phase, true);
-            const double of_flux = travel.torque_factor * (magnet * dq.q + (*ld - *lq) * dq.d * dq.q);
+            const double of_flux = travel.torque_factor * (magnet * dq.iq + (*ld - *lq) * dq.id * dq.iq);
             comparison.add(torque->values[j * stride_of(*torque, 0) + i], of_flux,
                            [&] { return fmt::format("amplitude {:g}, phase {:g}", amplitude, phase); });
         }
@@ -202,11 +202,11 @@ void check_ldlq(const KZB_STORE& store, const Travel& travel, Findings& findings
 
 void check_torque(const Examined& model, Findings& findings) {
     const KZB_STORE& store = model.store;
-    const std::optional<Travel> travel = travel_of(store, model.motor_type);
+    const std::optional<TravelScale> travel = travel_of(store, model.motor_type);
     if (!travel) {
         return;
     }
-    for (const Application* application : applications_of(model.motor_type)) {
+    for (const ApplicationTables* application : applications_of(model.motor_type)) {
         if (!has_application(store, application->motor, application->word)) {
             continue;
         }

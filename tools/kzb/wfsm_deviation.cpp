@@ -1,29 +1,30 @@
 #include "kzb/wfsm_deviation.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
+
+#include "kzb/deviation_sum.h"
 
 namespace kzb::tool {
 
 namespace {
 
-struct SourcePoint {
+struct RotorPoint {
     double i_f, id, iq;
     double psi_d, psi_q;
     std::optional<double> psi_f, torque;
 };
 
-std::vector<SourcePoint> points_of(const WfsmBuild& build) {
-    std::vector<SourcePoint> points;
+std::vector<RotorPoint> points_of_build(const WfsmBuild& build) {
+    std::vector<RotorPoint> points;
     if (build.map) {
         const WoundFieldMap& map = *build.map;
         for (std::size_t f = 0; f < map.field.size(); ++f) {
             for (std::size_t p = 0; p < map.phase.size(); ++p) {
                 for (std::size_t a = 0; a < map.amplitude.size(); ++a) {
                     const std::size_t n = map.index(f, p, a);
-                    const PolarCurrent i = current_at(map.amplitude[a], map.phase[p]);
+                    const DqCurrent i = current_at(map.amplitude[a], map.phase[p]);
                     points.push_back({map.field[f], i.id, i.iq, map.psi_d[n], map.psi_q[n], {}, {}});
                     if (!map.torque.empty()) {
                         points.back().torque = map.torque[n];
@@ -49,51 +50,29 @@ std::vector<SourcePoint> points_of(const WfsmBuild& build) {
     return points;
 }
 
-class Comparison {
-  public:
-    Comparison(const char* quantity, const char* unit) {
-        deviation_.quantity = quantity;
-        deviation_.unit = unit;
-    }
-    void add(double told, double wanted, const SourcePoint& p) {
-        const double off = std::fabs(told - wanted);
-        deviation_.scale = std::max(deviation_.scale, std::fabs(wanted));
-        if (off > deviation_.largest) {
-            deviation_.largest = off;
-            deviation_.i_f = p.i_f;
-            deviation_.id = p.id;
-            deviation_.iq = p.iq;
-        }
-        squares_ += off * off;
-        ++count_;
-    }
-    bool any() const { return count_ > 0; }
-    WfsmDeviation result() const {
-        WfsmDeviation d = deviation_;
-        d.rms = std::sqrt(squares_ / static_cast<double>(count_));
-        return d;
-    }
+using WfsmSum = DeviationSum<WfsmDeviation>;
 
-  private:
-    WfsmDeviation deviation_;
-    double squares_ = 0.0;
-    std::size_t count_ = 0;
-};
+void compare(WfsmSum& sum, double told, double wanted, const RotorPoint& point) {
+    sum.add(told - wanted, wanted, [&point](WfsmDeviation& deviation) {
+        deviation.i_f = point.i_f;
+        deviation.id = point.id;
+        deviation.iq = point.iq;
+    });
+}
 
 }  // namespace
 
 WfsmDeviationReport compare_wfsm(KZB_STORE* store, const WfsmBuild& build) {
-    Comparison psi_d("psi_d", "Vs"), psi_q("psi_q", "Vs"), psi_f("psi_f", "Vs"), torque("torque", "Nm");
+    WfsmSum psi_d("psi_d", "Vs"), psi_q("psi_q", "Vs"), psi_f("psi_f", "Vs"), torque("torque", "Nm");
     WfsmDeviationReport report;
     // Different places between the nodes: as far from one as can be.
     const std::vector<double>& positions = build.position.nodes;
     std::size_t step = 0;
-    for (const SourcePoint& point : points_of(build)) {
+    for (const RotorPoint& point : points_of_build(build)) {
         step = (step + 7) % (positions.size() - 1);
         const double position = 0.5 * (positions[step] + positions[step + 1]);
         const double theta = position * build.pole_pairs;
-        const double invariant = std::sqrt(1.5);
-        double at[5] = {invariant * point.id, invariant * point.iq, point.i_f, position, 0.0};
+        double at[5] = {power_invariant_factor * point.id, power_invariant_factor * point.iq, point.i_f, position, 0.0};
         if (build.polar) {
             at[0] = std::min(std::hypot(point.id, point.iq), build.first.nodes.back());
             at[1] = phase_of(point.id, point.iq);
@@ -106,20 +85,20 @@ WfsmDeviationReport compare_wfsm(KZB_STORE* store, const WfsmBuild& build) {
             d += 2.0 / 3.0 * flux * cos_deg(theta - 120.0 * k);
             q -= 2.0 / 3.0 * flux * sin_deg(theta - 120.0 * k);
         }
-        psi_d.add(d, point.psi_d, point);
-        psi_q.add(q, point.psi_q, point);
+        compare(psi_d, d, point.psi_d, point);
+        compare(psi_q, q, point.psi_q, point);
         if (point.psi_f) {
             at[4] = 3.0;
-            psi_f.add(kzb_get_table_interpolated_value("current_flux", "flux", at, "Linear", store), *point.psi_f,
-                      point);
+            compare(psi_f, kzb_get_table_interpolated_value("current_flux", "flux", at, "Linear", store), *point.psi_f,
+                    point);
         }
         if (point.torque) {
-            torque.add(kzb_get_table_interpolated_value("harmonic_torque", "torque_ibeta", at, "Linear", store),
-                       *point.torque, point);
+            compare(torque, kzb_get_table_interpolated_value("harmonic_torque", "torque_ibeta", at, "Linear", store),
+                    *point.torque, point);
         }
         ++report.points;
     }
-    for (const Comparison* comparison : {&psi_d, &psi_q, &psi_f, &torque}) {
+    for (const WfsmSum* comparison : {&psi_d, &psi_q, &psi_f, &torque}) {
         if (comparison->any()) {
             report.deviations.push_back(comparison->result());
         }

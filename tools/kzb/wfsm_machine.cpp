@@ -37,44 +37,6 @@ struct Flux {
     double q = 0.0;
 };
 
-// The map at one field current of the source.
-class Plane {
-  public:
-    Plane(const WoundFieldMap& map, std::size_t f) : reach_(map.amplitude.back()) {
-        std::vector<double> d;
-        std::vector<double> q;
-        for (std::size_t a = 0; a < map.amplitude.size(); ++a) {
-            for (std::size_t p = 0; p < map.phase.size(); ++p) {
-                d.push_back(map.psi_d[map.index(f, p, a)]);
-                q.push_back(map.psi_q[map.index(f, p, a)]);
-            }
-        }
-        d_ = BicubicSurface(map.amplitude, map.phase, d);
-        q_ = BicubicSurface(map.amplitude, map.phase, q);
-    }
-    Flux at(double id, double iq) const {
-        if (id <= 0.0) {
-            return polar(id, iq);
-        }
-        // A small step inside gives the direction in which the map goes on.
-        const double h = 1e-3 * reach_;
-        const Flux edge = polar(0.0, iq);
-        const Flux inside = polar(-h, iq);
-        return {edge.d + id / h * (edge.d - inside.d), edge.q};
-    }
-
-  private:
-    Flux polar(double id, double iq) const {
-        const double amplitude = std::hypot(id, iq);
-        const double against_field = id == 0.0 ? 0.0 : -id;  // no -0.0, which would turn the phase
-        const double phase = amplitude > 0.0 ? std::atan2(against_field, iq) * to_deg : 90.0;
-        return {d_.at(amplitude, phase).f, q_.at(amplitude, phase).f};
-    }
-    BicubicSurface d_;
-    BicubicSurface q_;
-    double reach_;
-};
-
 // Weights of the five-point Gauss-Legendre rule on [0, 1].
 struct GaussPoint {
     double t;
@@ -121,6 +83,44 @@ Curve on_spline(const std::vector<double>& x, const std::vector<double>& y, cons
 std::unique_ptr<WoundFieldMachine> linear_wound_field(const WoundFieldConstants& constants) {
     return std::make_unique<LinearWoundField>(constants);
 }
+
+// The map at one field current of the source.
+class MappedWoundField::Plane {
+  public:
+    Plane(const WoundFieldMap& map, std::size_t f) : reach_(map.amplitude.back()) {
+        std::vector<double> d;
+        std::vector<double> q;
+        for (std::size_t a = 0; a < map.amplitude.size(); ++a) {
+            for (std::size_t p = 0; p < map.phase.size(); ++p) {
+                d.push_back(map.psi_d[map.index(f, p, a)]);
+                q.push_back(map.psi_q[map.index(f, p, a)]);
+            }
+        }
+        d_ = BicubicSurface(map.amplitude, map.phase, d);
+        q_ = BicubicSurface(map.amplitude, map.phase, q);
+    }
+    Flux at(double id, double iq) const {
+        if (id <= 0.0) {
+            return polar(id, iq);
+        }
+        // A small step inside gives the direction in which the map goes on.
+        const double h = 1e-3 * reach_;
+        const Flux edge = polar(0.0, iq);
+        const Flux inside = polar(-h, iq);
+        return {edge.d + id / h * (edge.d - inside.d), edge.q};
+    }
+
+  private:
+    Flux polar(double id, double iq) const {
+        const double amplitude = std::hypot(id, iq);
+        const double against_field = id == 0.0 ? 0.0 : -id;  // no -0.0, which would turn the phase
+        const double phase = amplitude > 0.0 ? std::atan2(against_field, iq) * to_deg : 90.0;
+        return {d_.at(amplitude, phase).f, q_.at(amplitude, phase).f};
+    }
+    BicubicSurface d_;
+    BicubicSurface q_;
+    double reach_;
+};
 
 struct MappedWoundField::Data {
     std::vector<Plane> planes;
@@ -216,7 +216,7 @@ double MappedWoundField::least_leakage(const WoundFieldMap& map) const {
     for (const double i_f : map.field) {
         for (const double phase : map.phase) {
             for (const double amplitude : map.amplitude) {
-                const PolarCurrent i = current_at(amplitude, phase);
+                const DqCurrent i = current_at(amplitude, phase);
                 const WoundFieldPoint p = at(i.id, i.iq, i_f);
                 if (p.l_dd > 0.0) {
                     least = std::max(least, margin * 1.5 * p.l_df * p.l_df / p.l_dd - p.l_ff);

@@ -74,6 +74,7 @@ class MappedWoundField : public WoundFieldMachine {
 
   private:
     double least_leakage(const WoundFieldMap& map) const;
+    class Plane;
     struct Data;
     std::unique_ptr<Data> data_;
 };

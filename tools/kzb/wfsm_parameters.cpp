@@ -10,7 +10,7 @@ namespace kzb::tool {
 
 namespace {
 
-const std::vector<ParameterQuantity>& quantities() {
+const std::vector<ParameterQuantity>& wound_field_quantities() {
     using enum Dimension;
     static const std::vector<ParameterQuantity> all{
         {"pole_pairs", {}, number},
@@ -29,7 +29,8 @@ const std::vector<ParameterQuantity>& quantities() {
 }  // namespace
 
 std::map<std::string, double> read_wfsm_parameters(const WfsmOptions& options, WfsmBuild& build) {
-    const Parameters parameters(ParameterFile::read(options.parameter_path), options.parameters, quantities());
+    const Parameters parameters(ParameterFile::read(options.parameter_path), options.parameters,
+                                wound_field_quantities());
     build.pole_pairs = parameters.required("pole_pairs");
     if (build.pole_pairs != std::round(build.pole_pairs) || build.pole_pairs > 500.0) {
         throw Failure(exit_file,

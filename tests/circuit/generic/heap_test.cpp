@@ -1,26 +1,6 @@
 // A step takes nothing from the heap once the first samples have been made.
-#include <cstdlib>
-#include <new>
-
 #include "circuit/generic/star_model.h"
-#include "models/heap_count.h"
-
-std::size_t kzb_test::allocations = 0;
-
-// Counts what the program takes from the heap. Never inlined: the compiler then sees the pair as a whole.
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    ++kzb_test::allocations;
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
+#include "support/heap_count.h"
 
 namespace kzb_test {
 namespace {

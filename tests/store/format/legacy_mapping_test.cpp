@@ -26,7 +26,7 @@ struct Row {
     std::string category;  // empty: the old name
 };
 
-const std::vector<Row> rows{
+const std::vector<Row> mapped_rows{
     {{"d_inductance", "q_inductance"}, all, 2, "dq_inductance"},
     {{"inductance"}, {harmonic}, 3, "harmonic_inductance"},
     {{"inductance"}, {ld_lq, simple, stepping, solenoid, synchronous, unknown}, 3, "inductance"},
@@ -80,7 +80,7 @@ class LegacyMapping : public LegacyFile {
 };
 
 TEST_F(LegacyMapping, every_row_holds_in_both_forms) {
-    for (const Row& row : rows) {
+    for (const Row& row : mapped_rows) {
         for (const std::string& name : row.names) {
             for (const Application& application : row.applications) {
                 SCOPED_TRACE(name + " " + std::to_string(application.motor_type) + " " +
