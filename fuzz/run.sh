@@ -28,17 +28,22 @@ fi
 
 build=${FUZZ_BUILD:-build/fuzz}
 [ -n "${FUZZ_BUILD:-}" ] || cmake --preset fuzz
-# Short stacks of allocations and a small quarantine: half the time of an execution went there.
-options="malloc_context_size=4:quarantine_size_mb=16:${ASAN_OPTIONS:-}"
+# Short stacks of allocations and a small quarantine: half the time of an execution went there. An input that fails tells
+# more by itself: build/fuzz/fuzz_TARGET INPUT.
+options="malloc_context_size=1:quarantine_size_mb=4:${ASAN_OPTIONS:-}"
 for target in $targets; do
     cmake --build "$build" --target "fuzz_$target"
     mkdir -p "$build/corpus_$target"
     echo "$target, $seconds s"
     status=0
+    words=
+    [ ! -f "fuzz/$target.dict" ] || words="-dict=fuzz/$target.dict"
     # An environment of its own: what a program compares with comes to stand in the inputs that are found.
-    env -i PATH=/usr/bin:/bin ASAN_OPTIONS="$options" "$build/fuzz_$target" -max_total_time="$seconds" -rss_limit_mb=2048 -timeout=10 -max_len=4096 -entropic=0 \
-        -close_fd_mask=3 -print_final_stats=1 -artifact_prefix="$build/$target-" \
-        "$build/corpus_$target" "fuzz/seeds/$target" >"$build/$target.log" 2>&1 || status=$?
+    # shellcheck disable=SC2086
+    env -i PATH=/usr/bin:/bin ASAN_OPTIONS="$options" "$build/fuzz_$target" -max_total_time="$seconds" \
+        -reload=0 -rss_limit_mb=2048 -timeout=60 -max_len=4096 -entropic=0 -close_fd_mask=3 -print_final_stats=1 $words \
+        -artifact_prefix="$build/$target-" "$build/corpus_$target" "fuzz/seeds/$target" \
+        >"$build/$target.log" 2>&1 || status=$?
     grep -E '^stat::(number_of_executed_units|average_exec_per_sec|slowest|peak)' "$build/$target.log" || true
     if [ $status -ne 0 ]; then
         tail -40 "$build/$target.log"

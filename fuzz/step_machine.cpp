@@ -18,8 +18,9 @@ using namespace kzb_test;
 
 // Bounds of one run: a step or a binding costs most.
 constexpr int most_calls = 40;
-constexpr int most_steps = 8;
-constexpr int most_generic_steps = 2;  // of up to fifty passes each
+constexpr int most_steps = 6;
+constexpr int most_generic_steps = 2;         // of up to fifty passes each
+constexpr int most_generic_smooth_steps = 1;  // with a scheme that takes more than the two nodes around
 constexpr int most_bindings = 2;
 
 void set_up() {
@@ -71,7 +72,7 @@ class Run {
             kzbcalcSetPWMFreq(5000.0, calc_);
         }
         if ((options & 4U) != 0) {
-            kzbcalcSetInterpolationType(static_cast<int>(options / 8 % 5), calc_);
+            put_type(kzbcalcSetInterpolationType, static_cast<int>(options / 8 % 5));
         }
         kzbcalcSetStepSize(1e-4, calc_);
         kzbcalcSetData(calc_);
@@ -122,7 +123,11 @@ class Run {
 
     // Arguments are drawn one by one: an input means the same whatever the compiler.
     void set_value(int set(double, KZB_CALC*)) { set(in_.number(), calc_); }
-    void set_type(int set(int, KZB_CALC*)) { set(in_.index(), calc_); }
+    void set_type(int set(int, KZB_CALC*)) { put_type(set, in_.index()); }
+    void put_type(int set(int, KZB_CALC*), int type) {
+        is_smooth_ = is_smooth_ || set == kzbcalcSetInterpolationType;
+        set(type, calc_);
+    }
     void set_at_index(int set(int, double, KZB_CALC*)) {
         const int index = in_.index();
         set(index, in_.number(), calc_);
@@ -155,7 +160,8 @@ class Run {
     }
 
     void execute() {
-        if (++steps_ <= (is_generic_ ? most_generic_steps : most_steps)) {
+        const int most = !is_generic_ ? most_steps : is_smooth_ ? most_generic_smooth_steps : most_generic_steps;
+        if (++steps_ <= most) {
             kzbcalcExecute(calc_);
         }
     }
@@ -194,6 +200,7 @@ class Run {
     Input& in_;
     KZB_CALC* calc_;
     bool is_generic_;
+    bool is_smooth_ = false;
     kzb_fuzz::GenericCalls generic_;
     double time_ = 0.0;
     int steps_ = 0;
@@ -206,7 +213,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     set_up();
     static const kzb_fuzz::ScratchPath file("machine");
     Input in(data, size);
-    kzb_fuzz::write_model(in, file.path());
+    kzb_fuzz::write_model(in, file.name());
     KZB_CALC* calc = nullptr;
     kzbcalcInitialize(file.path(), in.flag() ? 2 : 1, &calc);
     Run(in, calc).make_calls();

@@ -6,21 +6,23 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "model_draft.h"
 #include "step_machine_input.h"
 #include "store/record_list.h"
-#include "store/store.h"
+#include "table/table.h"
 
 namespace kzb_fuzz {
 
 class GenericModel {
   public:
-    GenericModel(KZB_STORE& store, Input& in) : store_(store), in_(in) {}
+    GenericModel(ModelDraft& model, Input& in) : model_(model), in_(in) {}
 
     void put() {
-        kzb::put_double(store_, "parameter", "any", 0.0);
+        model_.category("parameter").number("any", 0.0);
         put_terminals();
         put_parts();
         put_motions();
@@ -34,6 +36,11 @@ class GenericModel {
     }
 
   private:
+    // Each axis makes a lookup up to four times as dear, and a step makes one for each pair of coils in each of its
+    // passes.
+    static constexpr int most_axes = 3;
+    static constexpr unsigned most_parts = 3;
+
     // Mostly the sound number.
     int link(int sound) {
         const unsigned b = in_.byte();
@@ -44,33 +51,26 @@ class GenericModel {
         return b < 0xe0 ? sound : in_.number();
     }
     int coil_count() const { return static_cast<int>(coils_.size()); }
-    int count(const std::string& path, int outer = 0) { return counts_[{path, outer}]; }
+    int count(std::string_view path, int outer = 0) { return counts_[{path, outer}]; }
 
-    struct Record {
-        KZB_STORE& store;
-        std::string category;
-        Record& integer(const char* key, int number) {
-            kzb::put_int(store, category, key, number);
-            return *this;
+    // The next record of a list within the first record of another one, or within the `outer` one of a third.
+    CategoryDraft& record(std::string_view path, int outer = 0) {
+        std::string name;
+        std::size_t end = path.find(';');
+        name.append(path.substr(0, end)).append(";0;");
+        std::string_view rest = path.substr(end + 1);
+        end = rest.find(';');
+        if (end != std::string_view::npos) {
+            name.append(rest.substr(0, end + 1)).append(std::to_string(outer)).append(";");
+            rest.remove_prefix(end + 1);
         }
-        Record& number(const char* key, double number) {
-            kzb::put_double(store, category, key, number);
-            return *this;
-        }
-        Record& text(const char* key, const std::string& text) {
-            kzb::put_string(store, category, key, text);
-            return *this;
-        }
-    };
-    Record record(const char* path, int outer = 0) {
-        Record made{store_, kzb::record_name(path, outer, counts_[{path, outer}]++)};
-        kzb::require_category(store_, made.category);
-        return made;
+        name.append(rest).append(";").append(std::to_string(counts_[{path, outer}]++)).append(";");
+        return model_.append(std::move(name));
     }
 
     void put_terminals() {
         sources_ = 1 + static_cast<int>(in_.choice(3));
-        const int nodes = static_cast<int>(in_.choice(3));
+        const int nodes = static_cast<int>(in_.choice(2));
         record("terminal_list;terminal").integer("id", 1).integer("type", link(2)).text("name", "ground");
         for (int k = 0; k < sources_; ++k) {
             record("terminal_list;terminal").integer("id", 2 + k).integer("type", 1).text("name", "source");
@@ -84,20 +84,22 @@ class GenericModel {
 
     void put_parts() {
         constexpr int types[] = {1, -1, -3, -2, -50, 99};
-        constexpr const char* lists[] = {"coil_fem", "resistor", "coil_const", "capacitor", "voltage_probe", nullptr};
+        constexpr const char* lists[] = {"output_port_list;coil_fem",      "output_port_list;resistor",
+                                         "output_port_list;coil_const",    "output_port_list;capacitor",
+                                         "output_port_list;voltage_probe", nullptr};
         constexpr const char* keys[] = {"resistance", "resistance", "inductance", "capacitance", "none", "none"};
-        const int parts = 1 + static_cast<int>(in_.choice(7));
+        const int parts = 1 + static_cast<int>(in_.choice(most_parts));
         for (int id = 1; id <= parts; ++id) {
             // The first is a coil; the last kind, which no element can name by its id, is rare.
             const unsigned kind = id == 1 ? 0U : in_.byte() >= 0xf0 ? 5U : in_.choice(5);
             const int place = count("element_type_list;element_type");
-            Record type = record("element_type_list;element_type");
+            CategoryDraft& type = record("element_type_list;element_type");
             type.integer("id", link(id)).integer("type", types[kind]).text("name", "part");
             type.number(keys[kind], value(kind == 3 ? 1e-3 : 0.5));
             if (kind == 0) {
                 coils_.push_back(id);
                 type.integer("group_id", link(id)).number("turns", value(1.0));
-                for (unsigned j = in_.choice(4); j < 4; ++j) {
+                for (unsigned j = in_.choice(2); j < 1; ++j) {
                     record("element_type_list;element_type;interacted_coil", place).integer("id", 1);
                 }
             }
@@ -107,9 +109,8 @@ class GenericModel {
                 .integer("2nd_terminal_id", link(1 + static_cast<int>(in_.choice(5)) % terminals_))
                 .integer("element_type_id", link(kind == 5 ? 0 : id));
             if (lists[kind] != nullptr) {
-                const std::string list = std::string("output_port_list;") + lists[kind];
-                const int port = count(list.c_str()) + 1;
-                record(list.c_str()).integer("id", link(port)).integer("component_id", link(id));
+                const int port = count(lists[kind]) + 1;
+                record(lists[kind]).integer("id", link(port)).integer("component_id", link(id));
             }
         }
     }
@@ -137,9 +138,10 @@ class GenericModel {
         if (b < 0xe0) {
             return pool[b % std::size(pool)];
         }
-        // Any bytes, and nestings deeper than one would write.
+        // Any bytes, and nestings deeper than one would write (evaluate_expression has the really deep ones).
         if (b >= 0xf8) {
-            return std::string(200U * (b - 0xf7U), '(') + "a" + std::string(200U * (b - 0xf7U), ')');
+            const std::size_t depth = 5U * (b - 0xf7U);
+            return std::string(depth, '(') + "a" + std::string(depth, ')');
         }
         std::string text;
         for (unsigned k = b - 0xe0; k > 0; --k) {
@@ -147,7 +149,7 @@ class GenericModel {
         }
         return text.substr(0, text.find('\0'));
     }
-    void put_correction(Record record) {
+    void put_correction(CategoryDraft& record) {
         if (in_.byte() >= 0xc0) {
             record.text("correction_expression", expression()).text("correction_variable", in_.flag() ? "a" : "b");
         }
@@ -156,13 +158,13 @@ class GenericModel {
     void put_table_axes() {
         axes_ = 1 + static_cast<int>(in_.choice(3));
         for (int id = 1; id <= axes_; ++id) {
-            Record axis = record("table_axis_list;axis");
+            CategoryDraft& axis = record("table_axis_list;axis");
             axis.integer("id", link(id)).integer("type", static_cast<int>((in_.choice(4) + 1) % 4));
             axis.integer("reference_id", link(1)).text("definition", expression());
             put_correction(axis);
         }
         for (std::size_t k = 0; k < coils_.size(); ++k) {
-            Record phase = record("flux_list;phase_list;phase");
+            CategoryDraft& phase = record("flux_list;phase_list;phase");
             phase.integer("index", link(static_cast<int>(k))).integer("reference_id", link(coils_[k]));
             put_correction(phase);
         }
@@ -176,7 +178,7 @@ class GenericModel {
             .text("name", "a");
         record("correction_parameter_list;correction_parameter").text("name", "b").number("value", value(1.0));
         record("torque_force_list;phase_list;phase").integer("index", link(0));
-        put_correction(Record{store_, kzb::record_name("torque_force_list;phase_list;phase", 0, 0)});
+        put_correction(model_.category(kzb::record_name("torque_force_list;phase_list;phase", 0, 0)));
         put_table("flux_list;flux_table", 0, coil_count(), 0.1);
     }
 
@@ -187,7 +189,7 @@ class GenericModel {
             const int type = link(static_cast<int>(in_.choice(2)) & (motions_ > 0 ? 1 : 0));
             const bool refers = type == 1 && in_.byte() >= 0xc0;
             const int place = count("element_set_list;coil_set");
-            Record set = record("element_set_list;coil_set");
+            CategoryDraft& set = record("element_set_list;coil_set");
             set.integer("id", link(id)).integer("type", type).integer("motion_id", link(1));
             set.integer("flg_ref_coil", refers ? 1 : 0).integer("ref_coil_set_id", link(1));
             set.number("phase_initial", value(0.0)).integer("current_axis_no", link(++axes_));
@@ -211,8 +213,7 @@ class GenericModel {
         if (fault == 15) {
             return;
         }
-        // Each axis doubles the cost of a lookup beside the grid, and a step may make thousands.
-        std::vector<int> sizes(static_cast<std::size_t>(std::min(axes_, 4)), 2);
+        std::vector<int> sizes(static_cast<std::size_t>(std::min(axes_, most_axes)), 2);
         sizes.push_back(std::max(rows, 1));
         if (fault == 14 && sizes.size() > 1) {
             sizes.erase(sizes.begin());
@@ -220,30 +221,31 @@ class GenericModel {
         if (fault == 13) {
             sizes.back() = 1;
         }
-        if (kzb::create_table(store_, category, "table", static_cast<int>(sizes.size()), sizes.data()) != 0) {
+        KZB_TABLE table;
+        if (kzb::table_create(table, static_cast<int>(sizes.size()), sizes.data()) != 0) {
             return;
         }
-        KZB_TABLE* const table = kzb::find_table(store_, category, "table");
         for (int axis = 1; axis <= static_cast<int>(sizes.size()); ++axis) {
             const bool last = axis == static_cast<int>(sizes.size());
             for (int i = 0; i < sizes[static_cast<std::size_t>(axis) - 1]; ++i) {
                 const double node = last ? i : 100.0 * i - 50.0;
-                kzb::table_set_axis_value(table, axis, i, fault == 12 ? in_.number() : node);
+                kzb::table_set_axis_value(&table, axis, i, fault == 12 ? in_.number() : node);
             }
-            kzb::table_set_cyclic_flag(table, axis, fault == 11 && !last ? 1 : 0);
+            kzb::table_set_cyclic_flag(&table, axis, fault == 11 && !last ? 1 : 0);
         }
-        for (int i = 0; i < table->total; ++i) {
-            table->values.data()[i] = fault == 10 ? in_.number() : scale * ((i * 37 + 11) % 17);
+        for (int i = 0; i < table.total; ++i) {
+            table.values.data()[i] = fault == 10 ? in_.number() : scale * ((i * 37 + 11) % 17);
         }
+        model_.category(category).table("table", table);
     }
 
     void put_outputs() {
         put_table("torque_force_list;torque_table", 0, std::max(motions_, 1), 1.0);
         constexpr const char* name = "num_user_specified_parameter";
-        const int outputs = static_cast<int>(in_.choice(3));
-        kzb::put_int(store_, name, name, link(outputs));
+        const int outputs = static_cast<int>(in_.choice(2));
+        model_.category(name).integer(name, link(outputs));
         for (int i = 1; i <= outputs; ++i) {
-            Record output{store_, "user_specified_parameter" + std::to_string(i)};
+            CategoryDraft& output = model_.category("user_specified_parameter" + std::to_string(i));
             output.integer("table_id", link(i)).integer("output_port_id", link(i));
             output.integer("reference_resolution", static_cast<int>(in_.choice(2)));
             output.number("coef_output_port", value(1.0));
@@ -255,7 +257,7 @@ class GenericModel {
     }
 
     void put_iron_loss() {
-        const int axes = static_cast<int>(in_.choice(4));
+        const int axes = static_cast<int>(in_.choice(3));
         if (axes == 0) {
             return;
         }
@@ -269,22 +271,23 @@ class GenericModel {
             record("input_port_list;user_input").integer("id", link(k)).integer("loss_axis_no", link(k));
         }
         std::vector<int> sizes(static_cast<std::size_t>(std::clamp(link(axes), 1, 6)), 2);
-        if (kzb::create_table(store_, "ironloss", "table", static_cast<int>(sizes.size()), sizes.data()) == 0) {
-            KZB_TABLE* const table = kzb::find_table(store_, "ironloss", "table");
+        KZB_TABLE table;
+        if (kzb::table_create(table, static_cast<int>(sizes.size()), sizes.data()) == 0) {
             for (int axis = 1; axis <= static_cast<int>(sizes.size()); ++axis) {
-                kzb::table_set_axis_value(table, axis, 0, value(0.0));
-                kzb::table_set_axis_value(table, axis, 1, value(100.0));
+                kzb::table_set_axis_value(&table, axis, 0, value(0.0));
+                kzb::table_set_axis_value(&table, axis, 1, value(100.0));
             }
-            std::fill_n(table->values.data(), table->total, 3.0);
+            std::fill_n(table.values.data(), table.total, 3.0);
+            model_.category("ironloss").table("table", table);
         }
     }
 
-    KZB_STORE& store_;
+    ModelDraft& model_;
     Input& in_;
     int sources_ = 0;
     int terminals_ = 0;
-    std::vector<int> coils_;                             // ids
-    std::map<std::pair<std::string, int>, int> counts_;  // of records by list
+    std::vector<int> coils_;                                  // ids
+    std::map<std::pair<std::string_view, int>, int> counts_;  // of records by list
     int motions_ = 0;
     int axes_ = 0;
 };

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "KZBCalculator/kzb_store.h"
+#include "model_draft.h"
 #include "step_machine_generic.h"
 #include "step_machine_input.h"
-#include "store/store.h"
+#include "table/table.h"
 
 namespace kzb_fuzz {
 
@@ -142,7 +142,7 @@ inline void fill_values(KZB_TABLE* table, const TableShape& shape, Input& in, un
 }
 
 // By one byte: mostly as it should be; absent, without its last axis, or with nodes that the input gives.
-inline void put_table(KZB_STORE& store, const TableShape& shape, Input& in) {
+inline void put_table(ModelDraft& model, const TableShape& shape, Input& in) {
     const unsigned fault = in.byte() % 16;
     const unsigned seed = in.byte();
     if (fault == 15) {
@@ -165,49 +165,50 @@ inline void put_table(KZB_STORE& store, const TableShape& shape, Input& in) {
     if (fault == 13) {
         sizes.back() = 1;
     }
-    if (kzb::create_table(store, shape.category, shape.key, static_cast<int>(axes.size()), sizes.data()) != 0) {
+    KZB_TABLE table;
+    if (kzb::table_create(table, static_cast<int>(axes.size()), sizes.data()) != 0) {
         return;
     }
-    KZB_TABLE* const table = kzb::find_table(store, shape.category, shape.key);
     for (std::size_t a = 0; a < axes.size(); ++a) {
         const int axis = static_cast<int>(a) + 1;
-        fill_axis(table, axis, axes[a], in, fault == 12 && a == seed % axes.size());
+        fill_axis(&table, axis, axes[a], in, fault == 12 && a == seed % axes.size());
         if (axes[a] == 'g' && (seed & 1U) != 0) {
-            kzb::table_set_cyclic_flag(table, axis, 1);
+            kzb::table_set_cyclic_flag(&table, axis, 1);
         }
     }
-    fill_values(table, shape, in, seed);
+    fill_values(&table, shape, in, seed);
+    model.category(shape.category).table(shape.key, table);
 }
 
-inline void put_parameters(KZB_STORE& store, unsigned parts, Input& in) {
+inline void put_parameters(ModelDraft& model, unsigned parts, Input& in) {
     constexpr const char* numbers[] = {"turns_coil1", "turns_coil2",   "coef_flux",           "coef_torque",
                                        "coef_force",  "turns_in_coil", "turns_in_field_coil", "base_coil_temperature",
                                        "beta_zero"};
     for (const char* const key : numbers) {
         if (in.byte() >= 0xc0) {
-            kzb::put_double(store, "control", key, in.number());
+            model.category("control").number(key, in.number());
         }
     }
     for (const char* const key : {"RU", "RF", "RA", "RA+"}) {
-        kzb::put_double(store, "parameter", key, in.byte() >= 0xf0 ? in.number() : 0.5);
+        model.category("parameter").number(key, in.byte() >= 0xf0 ? in.number() : 0.5);
     }
-    kzb::put_double(store, "control", "electrical_length", in.byte() >= 0xf0 ? in.number() : 0.1);
-    kzb::put_double(store, "d_flux", "d_flux", 0.1);
+    model.category("control").number("electrical_length", in.byte() >= 0xf0 ? in.number() : 0.1);
+    model.category("d_flux").number("d_flux", 0.1);
     for (const char* const key : {"R1", "R2", "X1", "X2", "b0", "g0"}) {
-        kzb::put_double(store, "InductionParam", key, in.byte() >= 0xf0 ? in.number() : 0.1);
+        model.category("InductionParam").number(key, in.byte() >= 0xf0 ? in.number() : 0.1);
     }
-    kzb::put_double(store, "information", "rated_freqency", 50.0);
+    model.category("information").number("rated_freqency", 50.0);
     if ((parts & losses) != 0) {
         for (const char* const category : {"hysloss", "eddyloss"}) {
-            kzb::put_int(store, category, "numMat", static_cast<int>(in.choice(3)) + 1);
-            kzb::put_int(store, category, "matID1", 1);
+            model.category(category).integer("numMat", static_cast<int>(in.choice(3)) + 1);
+            model.category(category).integer("matID1", 1);
         }
     }
     if ((parts & outputs) != 0) {
         constexpr const char* count = "num_user_specified_parameter";
-        kzb::put_int(store, count, count, in.byte() >= 0xf0 ? in.index() : 1);
-        kzb::put_int(store, "user_specified_parameter1", "table_id", 1);
-        kzb::put_int(store, "user_specified_parameter1", "output_port_id", 1);
+        model.category(count).integer(count, in.byte() >= 0xf0 ? in.index() : 1);
+        model.category("user_specified_parameter1").integer("table_id", 1);
+        model.category("user_specified_parameter1").integer("output_port_id", 1);
     }
 }
 
@@ -224,33 +225,30 @@ inline unsigned parts_of(unsigned accuracy, unsigned options) {
 }
 
 // Writes the file; what stood at `path` is gone.
-inline void write_model(Input& in, const char* path) {
+inline void write_model(Input& in, const std::string& path) {
     const unsigned machine = in.choice(std::size(motor_types));
-    KZB_STORE* store = nullptr;
-    kzb_initialize(&store);
-    kzb::put_int(*store, "control", "motor_type", motor_types[machine]);
+    ModelDraft model;
+    model.category("control").integer("motor_type", motor_types[machine]);
     if (motor_types[machine] == generic_type) {
-        GenericModel(*store, in).put();
-        kzb_writer(path, store);
-        kzb_finish(store);
+        GenericModel(model, in).put();
+        model.write(path);
         return;
     }
     const unsigned accuracy = in.choice(8);
-    kzb::put_int(*store, "control", "accuracy_type", static_cast<int>(accuracy));
+    model.category("control").integer("accuracy_type", static_cast<int>(accuracy));
     const unsigned b = in.byte();
-    kzb::put_int(*store, "control", "number_of_poles", b < 0xf0 ? 2 + 2 * static_cast<int>(b % 4) : in.index());
+    model.category("control").integer("number_of_poles", b < 0xf0 ? 2 + 2 * static_cast<int>(b % 4) : in.index());
     const unsigned options = in.byte();
-    kzb::put_int(*store, "control", "Winding_Pattern_Flag", static_cast<int>(options % 2));
-    kzb::put_int(*store, "control", "current_type", static_cast<int>(options / 2 % 2));
+    model.category("control").integer("Winding_Pattern_Flag", static_cast<int>(options % 2));
+    model.category("control").integer("current_type", static_cast<int>(options / 2 % 2));
     const unsigned parts = parts_of(accuracy, options);
-    put_parameters(*store, parts, in);
+    put_parameters(model, parts, in);
     for (const TableShape& shape : shapes) {
         if ((shape.machines & 1U << machine) != 0 && (shape.parts & parts) != 0) {
-            put_table(*store, shape, in);
+            put_table(model, shape, in);
         }
     }
-    kzb_writer(path, store);
-    kzb_finish(store);
+    model.write(path);
 }
 
 }  // namespace kzb_fuzz
