@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "host/host_process.h"
@@ -50,12 +51,17 @@ TEST(Cycles, ten_thousand_calculators_leave_nothing_behind) {
         paths.push_back(files.back()->path());
     }
     testing::internal::CaptureStderr();  // the two that can't be read are told of
+    // On a thread of its own, so that nothing the allocator keeps at hand for a thread counts as in use.
     const auto cycles = [&](int cycle_count) {
-        for (int i = 0; i < cycle_count; ++i) {
-            // The mode 3 is refused after the file has been read.
-            open_run_and_close(paths[static_cast<std::size_t>(i) % paths.size()], 1 + i / 12 % 3);
-        }
+        std::thread([&] {
+            for (int i = 0; i < cycle_count; ++i) {
+                // The mode 3 is refused after the file has been read.
+                open_run_and_close(paths[static_cast<std::size_t>(i) % paths.size()], 1 + i / 12 % 3);
+            }
+        }).join();
     };
+    mallopt(M_ARENA_MAX, 1);
+    mallopt(M_MXFAST, 0);
     // What is kept for good, as the tables of character sets are, comes with the first ones.
     cycles(600);
     std::fflush(stderr);
@@ -67,8 +73,8 @@ TEST(Cycles, ten_thousand_calculators_leave_nothing_behind) {
     const std::size_t files_after = open_files();
     testing::internal::GetCapturedStderr();
     EXPECT_EQ(files_after, files_before);
-    // What the allocator keeps at hand for itself counts as well; a byte a cycle would be a leak already.
-    EXPECT_LT(heap_after, heap_before + count);
+    // Blocks round up by some bytes, as it falls; the least block left by one of the 42 kinds of cycles would be 7 KB.
+    EXPECT_LT(heap_after, heap_before + 1024);
 }
 
 }  // namespace
