@@ -10,6 +10,7 @@
 #include "generic_pair.h"
 #include "support/environment.h"
 #include "support/files.h"
+#include "support/quiet.h"
 
 namespace kzb_bench_test {
 namespace {
@@ -123,6 +124,7 @@ class GenericRandom : public testing::TestWithParam<int> {};
 constexpr int models_of_a_test = 10;
 
 TEST_P(GenericRandom, models_agree_to_the_last_bit) {
+    const kzb_test::QuietErrors quiet;
     for (int i = 0; i < models_of_a_test && !HasFailure(); ++i) {
         const unsigned seed = static_cast<unsigned>(GetParam() * models_of_a_test + i);
         GenericDice dice(seed);
@@ -143,6 +145,7 @@ constexpr const char* debug_files[] = {"IV", "Axis", "L", "Flux", "Itr", "Itr_L"
 class GenericDebugFiles : public testing::TestWithParam<int> {};
 
 TEST_P(GenericDebugFiles, are_the_same_text) {
+    const kzb_test::QuietErrors quiet;
     const kzb_test::Environment debug("DORN_KZ_DEBUG_OUTPUT", "1");
     GenericDice dice(static_cast<unsigned>(1000000 + GetParam()));
     Store store;

@@ -11,8 +11,8 @@
 
 #include "faults/heap.h"
 #include "faults/models.h"
-#include "faults/quiet.h"
 #include "faults/seeds.h"
+#include "support/quiet.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 #include "faults/heap.h"
 #include "faults/machine_run.h"
 #include "faults/models.h"
-#include "faults/quiet.h"
 #include "interface/machines.h"
 #include "interface/other_machines.h"
+#include "support/quiet.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "faults/calls.h"
 #include "faults/heap.h"
 #include "faults/models.h"
-#include "faults/quiet.h"
+#include "support/quiet.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "faults/quiet.h"
 #include "interface/generic_machine.h"
 #include "interface/measured_text.h"
+#include "support/quiet.h"
 
 namespace kzb_test {
 

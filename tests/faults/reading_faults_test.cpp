@@ -8,8 +8,8 @@
 
 #include "faults/file_faults.h"
 #include "faults/models.h"
-#include "faults/quiet.h"
 #include "faults/seeds.h"
+#include "support/quiet.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 
 #include "faults/machine_run.h"
 #include "faults/models.h"
-#include "faults/quiet.h"
 #include "interface/machines.h"
+#include "support/quiet.h"
 
 namespace {
 

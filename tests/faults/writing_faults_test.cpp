@@ -10,7 +10,7 @@
 
 #include "faults/file_faults.h"
 #include "faults/models.h"
-#include "faults/quiet.h"
+#include "support/quiet.h"
 
 namespace {
 

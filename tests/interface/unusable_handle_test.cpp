@@ -8,6 +8,7 @@
 #include "interface/call_table.h"
 #include "interface/machines.h"
 #include "interface/other_machines.h"
+#include "support/quiet.h"
 
 namespace kzb_test::unusable_handle_test {
 namespace {
@@ -124,6 +125,7 @@ INSTANTIATE_TEST_SUITE_P(UnusableHandle, EveryMotorType, testing::ValuesIn(machi
                          [](const auto& machine) { return std::to_string(machine.param.code); });
 
 TEST_P(EveryMotorType, survives_extreme_values) {
+    const QuietErrors quiet;
     ModelFile file;
     GetParam().fill(file);
     for (const double value : extremes) {

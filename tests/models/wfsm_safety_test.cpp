@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "support/quiet.h"
 #include "wfsm_files.h"
 
 namespace kzb_test::wfsm_safety_test {
@@ -82,6 +83,7 @@ TEST(wfsm_safety, each_table_missing_in_turn) {
 }
 
 TEST(wfsm_safety, tables_of_other_shapes) {
+    const QuietErrors quiet;
     const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const int dim : {1, 2, 4, 6, 9}) {
         KZB_STORE store;
@@ -144,6 +146,7 @@ TEST(wfsm_safety, machine_without_poles) {
 
 // Currents that are no number never settle; the passes are counted all the same.
 TEST(wfsm_safety, passes_without_a_number_end) {
+    const QuietErrors quiet;
     const Environment passes("DORN_KZ_DEBUG_NITR", "300");
     const Environment relaxation("DORN_KZ_DEBUG_ACCEL", "nan");
     KZB_STORE store;
@@ -164,6 +167,7 @@ TEST(wfsm_safety, passes_without_a_number_end) {
 }
 
 TEST(wfsm_safety, tables_with_numbers_beyond_all_bounds) {
+    const QuietErrors quiet;
     const Environment few("DORN_KZ_DEBUG_NITR", "9");
     for (const double value : {nan, infinite, -infinite, 1e308, 5e-324}) {
         KZB_STORE store;

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "circuit/generic/star_model.h"
+#include "support/quiet.h"
 
 namespace kzb_test {
 namespace {
@@ -155,6 +156,7 @@ void add_rest(GenericFile& file) {
 class GenericDamage : public testing::TestWithParam<int> {};
 
 TEST_P(GenericDamage, is_refused_or_runs) {
+    const kzb_test::QuietErrors quiet;
     int opened = 0;
     constexpr int stores = 120;
     for (int i = 0; i < stores; ++i) {
