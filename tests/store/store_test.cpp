@@ -75,6 +75,10 @@ TEST(Store, null_handle_and_null_texts_give_the_absent_value) {
     kzb_reset_error(nullptr);
     kzb_reset_warning(nullptr);
     kzb_set_application(nullptr, nullptr, store);
+    EXPECT_EQ(kzb_make_dq0_from_UVW(nullptr), 0);
+    EXPECT_EQ(kzb_make_dq0_from_UVW_current(nullptr), 0);
+    EXPECT_EQ(kzb_make_UVW_from_dq0(nullptr), 0);
+    EXPECT_EQ(kzb_make_UVW_from_dq0_current(nullptr), 0);
     EXPECT_EQ(kzb_make_LdLq(nullptr), 0);
     EXPECT_EQ(kzb_apply_skew(0, 0, 0, 0, 0, 0, nullptr, nullptr), 1);
 }
