@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Breaks the sources one place at a time and tells which breaks the tests notice.
 
-    tests/mutants/mutants.py WORK_DIR [--seed 1] [--count 50] [--jobs 2] [--only FOLDER] [--report FILE]
+    tests/mutants/mutants.py WORK_DIR [--seed 1] [--count 50] [--jobs 2] [--only FOLDER] [--report FILE] [--resume]
 
 The tree is copied to WORK_DIR and built there once; each mutant changes one place of one source file, what depends on
 it is built again, and the test programs run until one fails. Places are drawn by the seed, folder after folder in
@@ -22,13 +22,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 PROGRAM_LIMIT = 600  # seconds
-# Of what stays out of `make test`.
-LONG_PROGRAMS = {"long_run_tests"}
-LONG_TESTS = {"faults_tests": "*.every_*"}
-# Quick for all that they see, and slow.
-SECOND = ["same_bits_tests", "interface_tests", "models_tests"]
-LAST = ["faults_tests", "bench_tests"]
-# Programs that look at a folder first, then all others.
+# Programs that look at a folder first, then those that are quick for all that they see, then the whole suite.
 NEAREST = {
     "table": ["table_tests"],
     "store": ["store_tests", "format_tests", "interface_tests"],
@@ -41,6 +35,7 @@ NEAREST = {
     "diagnostics": ["diagnostics_tests"],
     "interface": ["interface_tests", "interface_internal_tests"],
 }
+SECOND = ["same_bits_tests", "interface_tests", "models_tests"]
 
 # What a place may be, and what it becomes. Spaces around an operator keep templates and pointers out.
 RULES = [
@@ -118,7 +113,7 @@ class Workshop:
             sys.exit("mutants: the copied tree does not configure")
         if not self.make("all"):
             sys.exit("mutants: the copied tree does not build")
-        self.programs = sorted(p.name for p in self.build.glob("*_tests") if p.name not in LONG_PROGRAMS)
+        self.programs = {p.name for p in self.build.glob("*_tests")}
 
     def make(self, target):
         return run(["ninja", "-C", self.build, "-j", self.jobs, target], None) == 0
@@ -129,24 +124,26 @@ class Workshop:
 
     def passes(self, program):
         environment = dict(os.environ, GTEST_FAIL_FAST="1", GTEST_BRIEF="1")
-        if program in LONG_TESTS:
-            environment["GTEST_FILTER"] = "-" + LONG_TESTS[program]
         return run([self.build / program], PROGRAM_LIMIT, cwd=self.build, env=environment) == 0
 
-    def others_pass(self):
-        names = "^(fuzz|architecture)\\."
-        return self.make("all") and run(["ctest", "-R", names, "-LE", "long"], PROGRAM_LIMIT, cwd=self.build) == 0
+    def suite(self):
+        """The first test of `make test` that fails, or an empty text."""
+        if not self.make("all"):
+            return "does not build"
+        command = ["ctest", "--label-exclude", "long", "--stop-on-failure", "--parallel", self.jobs]
+        done = subprocess.run(command, cwd=self.build, capture_output=True, text=True, errors="replace", check=False)
+        failed = re.search(r"Test +#\d+: (\S+) \.*\**\s*(Failed|\*\*\*|Timeout|Exception|Subprocess)", done.stdout)
+        return "" if done.returncode == 0 else failed.group(1) if failed else "ctest"
 
     def fate(self, folder):
-        """The program that notices what is built now, or an empty text."""
-        order = NEAREST.get(folder, []) + SECOND
-        order += [p for p in self.programs if p not in order + LAST] + LAST
-        for program in dict.fromkeys(p for p in order if p in self.programs):
+        """Who notices what is built now, or an empty text."""
+        nearest = [p for p in NEAREST.get(folder, []) + SECOND if p in self.programs]
+        for program in dict.fromkeys(nearest):
             if not self.make(program):
                 return "does not build"
             if not self.passes(program):
                 return program
-        return "" if self.others_pass() else "seeds or architecture"
+        return self.suite()
 
 
 def text_digest(path):
@@ -180,6 +177,11 @@ def try_mutant(shop, folder, mutant):
         target.write_text(original, encoding="utf-8")
 
 
+def read_report(path):
+    lines = path.read_text(encoding="utf-8").splitlines() if path and path.exists() else []
+    return [line for line in lines if line.startswith("| ") and "`" in line]
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("work", type=Path)
@@ -188,24 +190,29 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--only", help="one folder of src/")
     parser.add_argument("--report", type=Path)
-    parser.add_argument("--unchecked", action="store_true", help="the programs are known to pass without a mutant")
+    parser.add_argument("--unchecked", action="store_true", help="the suite is known to pass without a mutant")
+    parser.add_argument("--resume", action="store_true", help="go on behind the rows of the report")
     options = parser.parse_args()
     shop = Workshop(options.work.resolve(), options.jobs)
-    failing = [] if options.unchecked else [p for p in shop.programs if not shop.passes(p)]
+    failing = "" if options.unchecked else shop.suite()
     if failing:
-        sys.exit(f"mutants: {', '.join(failing)} fail without a mutant")
-    rows = []
+        sys.exit(f"mutants: {failing} fails without a mutant")
+    rows = read_report(options.report) if options.resume else []
+    known = {row.rsplit(" | ", 1)[0] for row in rows}
     for folder, mutant in draw(options.seed, options.only):
         if len(rows) == options.count:
             break
+        path, number, start, end, rule = mutant
+        line = path.read_text(encoding="utf-8").splitlines()[number]
+        change = f"`{line[start:end].strip()}` to `{RULES[rule][1].strip() or ' '}`"
+        place = f"| {path.relative_to(ROOT / 'src')}:{number + 1} | {change}"
+        if place in known:
+            continue
         began = time.monotonic()
         fate = try_mutant(shop, folder, mutant)
         if fate is None:
             continue
-        path, number, start, end, rule = mutant
-        line = path.read_text(encoding="utf-8").splitlines()[number]
-        change = f"`{line[start:end].strip()}` to `{RULES[rule][1].strip() or ' '}`"
-        rows.append(f"| {path.relative_to(ROOT / 'src')}:{number + 1} | {change} | {fate or '**not noticed**'} |")
+        rows.append(f"{place} | {fate or '**not noticed**'} |")
         print(f"{len(rows)} {rows[-1]} {time.monotonic() - began:.0f} s | {line.strip()}", flush=True)
         if options.report:
             options.report.write_text("| place | change | noticed by |\n|---|---|---|\n" + "\n".join(rows) + "\n",
