@@ -124,6 +124,13 @@ TEST_F(Log, own_formatter_knows_control_characters_and_its_conversions) {
     EXPECT_NE(text().find("<text>a\nb\tc\rde     7 *"), std::string::npos);
 }
 
+// The own formatter would make a tab of the backslash and its letter, and nothing of "%x".
+TEST_F(Log, warning_is_formatted_by_the_runtime) {
+    create();
+    kzb::log_warning(7, "a\\tb %x", 255);
+    EXPECT_THAT(text(), testing::HasSubstr("\t<text>a\\tb ff</text>\n"));
+}
+
 TEST_F(Log, own_formatter_applies_each_specifier_whole) {
     create();
     report(1, 1, true, "%-4d %+i%c %s %8.3f %.1e %.2E %F", 7, 42, 'x', "text", 1.5, 250.0, 1.0, 2.0);
