@@ -31,10 +31,12 @@ sources() {
             ls tools/kzb/generic_*.cpp tools/kzb/generic_*.h tools/kzb/build_generic*.cpp tools/kzb/build_row_grid.* \
                 tools/kzb/csv_table.* | grep -v -E 'generic_(machine|simulation)|_command' ;;
         step_machine)
-            ls src/models/*.cpp src/models/*.h src/circuit/*.cpp src/circuit/*.h src/circuit/generic/*.cpp \
-                src/circuit/generic/*.h src/interface/*.cpp src/interface/*.h src/table/components.cpp \
-                src/store/lookup_front.* |
-                grep -v -E '_debug|debug_file|coil_dump|message_table' ;;
+            ls src/models/*.cpp src/models/*.h src/circuit/*.cpp src/circuit/*.h src/interface/*.cpp \
+                src/interface/*.h src/table/components.cpp src/store/lookup_front.* |
+                grep -v -E '_debug|debug_file|coil_dump|message_table|interface/generic' ;;
+        step_generic)
+            ls src/circuit/generic/*.cpp src/circuit/generic/*.h src/interface/generic* src/store/record_list.* \
+                src/store/subcategory.* | grep -v _debug ;;
     esac
 }
 

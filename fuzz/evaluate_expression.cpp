@@ -12,10 +12,10 @@
 #include <string_view>
 #include <vector>
 
+#include "choices.h"
 #include "circuit/generic/correction_set.h"
 #include "circuit/generic/expression.h"
 #include "silence.h"
-#include "step_machine_input.h"
 #include "store/record_list.h"
 #include "store/store.h"
 

@@ -16,8 +16,14 @@ namespace kzb_fuzz {
 
 class CategoryDraft {
   public:
-    explicit CategoryDraft(std::string name) : name_(std::move(name)) {}
-
+    // A category of that name without entries. Its memory stays: an execution makes dozens of categories.
+    void restart(std::string_view name) {
+        name_ = name;
+        for (Entries* const entries : {&ints_, &doubles_, &strings_, &tables_}) {
+            entries->count = 0;
+            entries->bytes.clear();
+        }
+    }
     const std::string& name() const { return name_; }
     CategoryDraft& integer(std::string_view key, int number) {
         return entry(ints_, key, kzb::type_int, [number](std::string& bytes) { put_word(bytes, number); });
@@ -97,27 +103,38 @@ class CategoryDraft {
 
 class ModelDraft {
   public:
+    // A file without categories; the memory of the one before serves it.
+    void restart() { count_ = 0; }
     // Appended when absent; stays where it is.
     CategoryDraft& category(std::string_view name) {
-        for (CategoryDraft& known : categories_) {
-            if (known.name() == name) {
-                return known;
+        for (std::size_t k = 0; k < count_; ++k) {
+            if (categories_[k].name() == name) {
+                return categories_[k];
             }
         }
-        return append(std::string(name));
+        return append(name);
     }
-    CategoryDraft& append(std::string name) { return categories_.emplace_back(std::move(name)); }
-    void write(const std::string& path) const {
-        std::string bytes(kzb::binary_head);
-        for (const CategoryDraft& category : categories_) {
-            category.put(bytes);
+    CategoryDraft& append(std::string_view name) {
+        if (count_ == categories_.size()) {
+            categories_.emplace_back();
         }
-        bytes += kzb::file_end;
-        hold(path, bytes);
+        CategoryDraft& added = categories_[count_++];
+        added.restart(name);
+        return added;
+    }
+    void write(const std::string& path) {
+        bytes_ = kzb::binary_head;
+        for (std::size_t k = 0; k < count_; ++k) {
+            categories_[k].put(bytes_);
+        }
+        bytes_ += kzb::file_end;
+        hold(path, bytes_);
     }
 
   private:
-    std::deque<CategoryDraft> categories_;
+    std::deque<CategoryDraft> categories_;  // the first `count_` are in use
+    std::size_t count_ = 0;
+    std::string bytes_;
 };
 
 }  // namespace kzb_fuzz

@@ -16,10 +16,10 @@
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
+#include "choices.h"
 #include "same_store.h"
 #include "scratch_file.h"
 #include "silence.h"
-#include "step_machine_input.h"
 #include "step_machine_model.h"
 #include "store/format/model_file.h"
 
@@ -75,7 +75,8 @@ void put_any_table(kzb_fuzz::ModelDraft& model, const char* key, Input& in) {
 }
 
 void write_tables(Input& in, const std::string& path) {
-    kzb_fuzz::ModelDraft model;
+    static kzb_fuzz::ModelDraft model;
+    model.restart();
     for (const char* key : {"first", "second"}) {
         put_any_table(model, key, in);
     }
@@ -235,7 +236,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } else if (data[0] % 4 == 2) {
         write_tables(in, given.name());
     } else {
-        kzb_fuzz::write_model(in, given.name());
+        kzb_fuzz::write_machine(in, given.name());
     }
     KZB_STORE* store = nullptr;
     kzb_initialize(&store);

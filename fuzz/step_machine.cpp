@@ -1,27 +1,16 @@
-// Opens a calculator on a small model that the input makes, and makes the calls that the input tells, in its order:
-// whatever the file, the numbers and the order are, nothing but numbers may come of it.
+// Opens a calculator on a small model of a machine with windings, of any of the nine motor types, that the input makes,
+// and makes the calls that it tells, in its order.
 #include <cstdint>
 #include <cstdlib>
-#include <string>
 
-#include "interface/call_table.h"
+#include "calculator_run.h"
 #include "scratch_file.h"
 #include "silence.h"
-#include "step_machine_calls.h"
-#include "step_machine_input.h"
 #include "step_machine_model.h"
 
 namespace {
 
-using kzb_fuzz::Input;
-using namespace kzb_test;
-
-// Bounds of one run: a step or a binding costs most.
-constexpr int most_calls = 40;
-constexpr int most_steps = 6;
-constexpr int most_generic_steps = 2;         // of up to fifty passes each
-constexpr int most_generic_smooth_steps = 1;  // with a scheme that takes more than the two nodes around
-constexpr int most_bindings = 2;
+constexpr kzb_fuzz::RunBounds most{40, 6, 6};
 
 void set_up() {
     kzb_fuzz::silence();
@@ -33,190 +22,13 @@ void set_up() {
     (void)done;
 }
 
-template <class Calls>
-const auto& one_of(const Calls& calls, Input& in) {
-    return calls[in.choice(static_cast<unsigned>(std::size(calls)))].function;
-}
-
-class Run {
-  public:
-    Run(Input& in, KZB_CALC* calc)
-        : in_(in),
-          calc_(calc),
-          is_generic_(kzbcalcCheckMotorType(calc) == kzb_fuzz::generic_type),
-          generic_(in, calc) {}
-
-    void make_calls() {
-        if (in_.flag()) {
-            prepare();
-        }
-        for (int k = 0; k < most_calls && !in_.is_empty(); ++k) {
-            if (is_generic_ && in_.flag()) {
-                generic_.call();
-            } else {
-                call();
-            }
-        }
-    }
-
-  private:
-    // What most callers do before the first sample.
-    void prepare() {
-        const unsigned options = in_.byte();
-        if ((options & 1U) != 0) {
-            kzbcalcSetTemperatureCorrectionCalc(calc_);
-        }
-        if ((options & 2U) != 0) {
-            kzbcalcSetIronlossCalc(calc_);
-            kzbcalcSetUserCopperlossCalc(calc_);
-            kzbcalcSetPWMFreq(5000.0, calc_);
-        }
-        if ((options & 4U) != 0) {
-            put_type(kzbcalcSetInterpolationType, static_cast<int>(options / 8 % 5));
-        }
-        kzbcalcSetStepSize(1e-4, calc_);
-        kzbcalcSetData(calc_);
-    }
-
-    void call() {
-        switch (in_.choice(14)) {
-            case 0:
-            case 1:
-            case 2:
-                sample();
-                break;
-            case 3:
-                kzbcalcSetTime(in_.number(), calc_);
-                break;
-            case 4:
-                execute();
-                break;
-            case 5:
-                kzbcalcUpdate(calc_);
-                break;
-            case 6:
-                set_value(one_of(value_setters, in_));
-                break;
-            case 7:
-                set_at_index(one_of(indexed_setters, in_));
-                break;
-            case 8:
-                read_results();
-                break;
-            case 9:
-                read_inductance();
-                break;
-            case 10:
-                option();
-                break;
-            case 11:
-                set_type(one_of(type_setters, in_));
-                break;
-            case 12:
-                set_skew();
-                break;
-            default:
-                set_signal();
-                break;
-        }
-    }
-
-    // Arguments are drawn one by one: an input means the same whatever the compiler.
-    void set_value(int set(double, KZB_CALC*)) { set(in_.number(), calc_); }
-    void set_type(int set(int, KZB_CALC*)) { put_type(set, in_.index()); }
-    void put_type(int set(int, KZB_CALC*), int type) {
-        is_smooth_ = is_smooth_ || set == kzbcalcSetInterpolationType;
-        set(type, calc_);
-    }
-    void set_at_index(int set(int, double, KZB_CALC*)) {
-        const int index = in_.index();
-        set(index, in_.number(), calc_);
-    }
-    void read_inductance() {
-        const int row = in_.index();
-        kzbcalcGetInductance(row, in_.index(), calc_);
-    }
-    void set_signal() {
-        const int port = in_.index();
-        kzbcalcSetSignal(port, in_.index() - 1, calc_);
-    }
-    void set_skew() {
-        int words[4];
-        double angles[2];
-        for (int& word : words) {
-            word = in_.index();
-        }
-        for (double& angle : angles) {
-            angle = in_.number();
-        }
-        kzbcalcSetSkewParameter(words[0], words[1], angles[0], angles[1], words[2], words[3], calc_);
-    }
-
-    void option() {
-        const auto set = one_of(status_calls, in_);
-        if (set != kzbcalcSetData || ++bindings_ <= most_bindings) {
-            set(calc_);
-        }
-    }
-
-    void execute() {
-        const int most = !is_generic_ ? most_steps : is_smooth_ ? most_generic_smooth_steps : most_generic_steps;
-        if (++steps_ <= most) {
-            kzbcalcExecute(calc_);
-        }
-    }
-
-    void sample() {
-        time_ += 1e-4 * in_.choice(4);
-        kzbcalcSetTime(time_, calc_);
-        kzbcalcSetDisplacement(in_.ordinary(), calc_);
-        const double value = in_.ordinary();
-        for (int phase = 1; phase <= 5; ++phase) {
-            kzbcalcSetVoltage(phase, value * phase, calc_);
-            kzbcalcSetCurrent(phase, value / phase, calc_);
-        }
-        if (is_generic_) {
-            generic_.give_inputs();
-        }
-        execute();
-        if (is_generic_) {
-            generic_.take_outputs();
-        }
-        kzbcalcGetTorque(calc_);
-        kzbcalcGetForce(calc_);
-        kzbcalcUpdate(calc_);
-    }
-
-    void read_results() {
-        for (const auto& get : getters) {
-            get.function(calc_);
-        }
-        const int index = in_.index();
-        for (const auto& get : phase_getters) {
-            get.function(index, calc_);
-        }
-    }
-
-    Input& in_;
-    KZB_CALC* calc_;
-    bool is_generic_;
-    bool is_smooth_ = false;
-    kzb_fuzz::GenericCalls generic_;
-    double time_ = 0.0;
-    int steps_ = 0;
-    int bindings_ = 0;
-};
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     set_up();
     static const kzb_fuzz::ScratchPath file("machine");
-    Input in(data, size);
-    kzb_fuzz::write_model(in, file.name());
-    KZB_CALC* calc = nullptr;
-    kzbcalcInitialize(file.path(), in.flag() ? 2 : 1, &calc);
-    Run(in, calc).make_calls();
-    kzbcalcTerminate(calc);
+    kzb_fuzz::Input in(data, size);
+    kzb_fuzz::write_machine(in, file.name());
+    kzb_fuzz::run_calculator(in, file.path(), kzb_fuzz::Machine::with_windings, most);
     return 0;
 }

@@ -6,15 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "choices.h"
 #include "model_draft.h"
-#include "step_machine_generic.h"
-#include "step_machine_input.h"
 #include "table/table.h"
 
 namespace kzb_fuzz {
 
-constexpr int generic_type = 10008;
-constexpr int motor_types[] = {10000, 10003, 10004, 10005, 10006, 10007, 10010, 10011, 10012, generic_type};
+constexpr int motor_types[] = {10000, 10003, 10004, 10005, 10006, 10007, 10010, 10011, 10012};
 enum MachineBit : unsigned { pm = 1, sm = 2, sol = 4, lin = 8, im = 16, wf = 32, sr3 = 64, sr4 = 128, sr5 = 256 };
 
 // What makes a table part of the file: the kinds of a permanent-magnet model, or an option.
@@ -225,15 +223,11 @@ inline unsigned parts_of(unsigned accuracy, unsigned options) {
 }
 
 // Writes the file; what stood at `path` is gone.
-inline void write_model(Input& in, const std::string& path) {
+inline void write_machine(Input& in, const std::string& path) {
     const unsigned machine = in.choice(std::size(motor_types));
-    ModelDraft model;
+    static ModelDraft model;
+    model.restart();
     model.category("control").integer("motor_type", motor_types[machine]);
-    if (motor_types[machine] == generic_type) {
-        GenericModel(model, in).put();
-        model.write(path);
-        return;
-    }
     const unsigned accuracy = in.choice(8);
     model.category("control").integer("accuracy_type", static_cast<int>(accuracy));
     const unsigned b = in.byte();

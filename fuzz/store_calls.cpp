@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "KZBCalculator/kzb_store.h"
+#include "choices.h"
 #include "scratch_file.h"
 #include "silence.h"
-#include "step_machine_input.h"
 #include "step_machine_model.h"
 
 namespace {
@@ -43,7 +43,7 @@ class Files {
                                                 static_cast<std::uint8_t>(options)};
                 Input in(choices, sizeof choices);
                 names_.push_back(folder_.name() + "/model" + std::to_string(names_.size()));
-                kzb_fuzz::write_model(in, names_.back().c_str());
+                kzb_fuzz::write_machine(in, names_.back().c_str());
             }
         }
         models_ = names_.size();

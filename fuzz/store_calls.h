@@ -10,7 +10,7 @@
 #include <string>
 
 #include "KZBCalculator/kzb_store.h"
-#include "step_machine_input.h"
+#include "choices.h"
 
 namespace kzb_fuzz {
 

@@ -1,6 +1,7 @@
-// Ordered list of named records with an index by name; the first of a name counts.
+// Ordered list of named records, with an index by name once they are many; the first of a name counts.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -38,8 +39,8 @@ class NamedList {
     auto end() const { return records_.end(); }
 
     Record* find(std::string_view keyword) {
-        const auto at = index_.find(keyword);
-        return at == index_.end() ? nullptr : &records_[at->second];
+        const std::size_t at = place(keyword);
+        return at == records_.size() ? nullptr : &records_[at];
     }
     const Record* find(std::string_view keyword) const { return const_cast<NamedList*>(this)->find(keyword); }
 
@@ -53,7 +54,7 @@ class NamedList {
         record.keyword = keyword;
         records_.push_back(std::move(record));
         try {
-            index_.emplace(records_.back().keyword, static_cast<std::uint32_t>(records_.size() - 1));
+            index_last();
         } catch (...) {
             records_.pop_back();
             throw;
@@ -62,12 +63,11 @@ class NamedList {
     }
 
     void erase(std::string_view keyword) {
-        const auto at = index_.find(keyword);
-        if (at == index_.end()) {
+        const std::size_t position = place(keyword);
+        if (position == records_.size()) {
             return;
         }
-        const std::uint32_t position = at->second;
-        index_.erase(at);
+        index_.erase(records_[position].keyword);
         records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(position));
         for (auto& entry : index_) {
             entry.second -= entry.second > position ? 1U : 0U;
@@ -76,16 +76,43 @@ class NamedList {
 
     // Exchanges the names of two records, both present; each keeps its place.
     void swap_names(std::string_view first, std::string_view second) {
-        const auto a = index_.find(first);
-        const auto b = index_.find(second);
-        if (a == index_.end() || b == index_.end()) {
+        const std::size_t a = place(first);
+        const std::size_t b = place(second);
+        if (a == records_.size() || b == records_.size()) {
             return;
         }
-        std::swap(records_[a->second].keyword, records_[b->second].keyword);
-        std::swap(a->second, b->second);
+        if (!index_.empty()) {
+            std::swap(index_.find(first)->second, index_.find(second)->second);
+        }
+        std::swap(records_[a].keyword, records_[b].keyword);
     }
 
   private:
+    static constexpr std::size_t most_unindexed = 8;
+
+    // The number of records when absent.
+    std::size_t place(std::string_view keyword) const {
+        if (index_.empty()) {
+            const auto has_name = [keyword](const Record& record) { return record.keyword == keyword; };
+            return static_cast<std::size_t>(std::find_if(begin(), end(), has_name) - begin());
+        }
+        const auto at = index_.find(keyword);
+        return at == index_.end() ? records_.size() : at->second;
+    }
+
+    // All names are in the index, or none.
+    void index_last() {
+        if (!index_.empty()) {
+            index_.emplace(records_.back().keyword, static_cast<std::uint32_t>(records_.size() - 1));
+        } else if (records_.size() > most_unindexed) {
+            NameIndex index;
+            for (const Record& record : records_) {
+                index.emplace(record.keyword, static_cast<std::uint32_t>(index.size()));
+            }
+            index_ = std::move(index);
+        }
+    }
+
     std::vector<Record> records_;
     NameIndex index_;
 };

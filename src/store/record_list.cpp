@@ -53,11 +53,15 @@ Record record_at(const KZB_STORE& store, const std::string& path, int index, int
 }
 
 std::vector<Record> records_of(const KZB_STORE& store, const std::string& path, int outer) {
-    const int count = record_count(store, path, outer);
+    std::string name = subcategory_front(path.c_str(), Indices(path, outer, 0).values);
+    const std::size_t front = name.size();
+    const std::size_t count = pieces_behind(store, name).size();
     std::vector<Record> records;
-    records.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) {
-        records.push_back(record_at(store, path, i, outer));
+    records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        name.resize(front);
+        name.append(std::to_string(i)).append(";");
+        records.emplace_back(find_category(store, name));
     }
     return records;
 }

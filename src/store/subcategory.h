@@ -11,6 +11,12 @@ namespace kzb {
 // The flat name; empty for an empty path or null indices.
 std::string subcategory_name(const char* path, const int* indices);
 
+// The name without the last element's index and what follows it; empty for an empty path.
+std::string subcategory_front(const char* path, const int* indices);
+
+// Distinct first pieces behind `text`, where it first occurs in the names of the categories, sorted by byte value.
+std::set<std::string> pieces_behind(const KZB_STORE& store, const std::string& text);
+
 // Distinct first pieces behind the name without the last element's index, sorted by byte value.
 std::set<std::string> subcategory_indices(const KZB_STORE& store, const char* path, const int* indices);
 

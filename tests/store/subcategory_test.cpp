@@ -40,6 +40,18 @@ TEST(Subcategory, number_ignores_the_last_index_and_counts_distinct_texts) {
     EXPECT_EQ(kzb_get_subcategory_num("absent", nullptr, store), 0);
 }
 
+TEST(Subcategory, a_list_is_found_wherever_its_name_first_occurs_in_that_of_a_category) {
+    TestStore store;
+    kzb_put_int("list;0;item;7;", "k", 1, store);
+    kzb_put_int("xlist;0;item;7;", "k", 1, store);               // x7
+    kzb_put_int("deep;1;list;0;item;3;", "k", 1, store);         // deep
+    kzb_put_int("list;0;item;7;list;0;item;8;", "k", 1, store);  // 7 again
+    kzb_put_int("list;0;item;", "k", 1, store);                  // an empty text
+    kzb_put_int("ylist;0;item;", "k", 1, store);                 // y
+    const int first[2] = {0, 0};
+    EXPECT_EQ(kzb_get_subcategory_num("list;item", first, store), 5);
+}
+
 TEST(Subcategory, children_are_sorted_distinct_names_behind_the_whole_path) {
     TestStore store;
     const int zero[2] = {0, 0};

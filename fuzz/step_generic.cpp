@@ -1,0 +1,26 @@
+// Opens a calculator on a small generic model that the input makes, and makes the calls that it tells, in its order.
+#include <cstdint>
+
+#include "calculator_run.h"
+#include "scratch_file.h"
+#include "silence.h"
+#include "step_generic_model.h"
+
+namespace {
+
+// A step takes up to fifty passes.
+constexpr kzb_fuzz::RunBounds most{16, 1, 1};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    kzb_fuzz::silence();
+    static const kzb_fuzz::ScratchPath file("generic");
+    kzb_fuzz::Input in(data, size);
+    static kzb_fuzz::ModelDraft model;
+    model.restart();
+    kzb_fuzz::GenericModel(model, in).put();
+    model.write(file.name());
+    kzb_fuzz::run_calculator(in, file.path(), kzb_fuzz::Machine::generic, most);
+    return 0;
+}
