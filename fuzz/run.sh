@@ -30,7 +30,7 @@ build=${FUZZ_BUILD:-build/fuzz}
 [ -n "${FUZZ_BUILD:-}" ] || cmake --preset fuzz
 # Short stacks of allocations and a small quarantine: half the time of an execution went there. An input that fails tells
 # more by itself: build/fuzz/fuzz_TARGET INPUT.
-options="malloc_context_size=1:quarantine_size_mb=4:${ASAN_OPTIONS:-}"
+options="malloc_context_size=1:quarantine_size_mb=1:thread_local_quarantine_size_kb=64:${ASAN_OPTIONS:-}"
 for target in $targets; do
     cmake --build "$build" --target "fuzz_$target"
     mkdir -p "$build/corpus_$target"
