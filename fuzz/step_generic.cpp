@@ -17,10 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     kzb_fuzz::silence();
     static const kzb_fuzz::ScratchPath file("generic");
     kzb_fuzz::Input in(data, size);
-    static kzb_fuzz::ModelDraft model;
-    model.restart();
-    kzb_fuzz::GenericModel(model, in).put();
-    model.write(file.name());
+    kzb_fuzz::write_generic(in, file.name());
     kzb_fuzz::run_calculator(in, file.path(), kzb_fuzz::Machine::generic, most);
     return 0;
 }

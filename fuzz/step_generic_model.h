@@ -297,4 +297,12 @@ class GenericModel {
     int axes_ = 0;
 };
 
+// Writes the file; what stood at `path` is gone.
+inline void write_generic(Input& in, const std::string& path) {
+    static ModelDraft model;
+    model.restart();
+    GenericModel(model, in).put();
+    model.write(path);
+}
+
 }  // namespace kzb_fuzz

@@ -15,6 +15,7 @@
 #include "choices.h"
 #include "scratch_file.h"
 #include "silence.h"
+#include "step_generic_model.h"
 #include "step_machine_model.h"
 
 namespace {
@@ -36,14 +37,10 @@ class Files {
   public:
     Files() {
         std::filesystem::create_directory(folder_.name());
-        for (unsigned machine = 0; machine < std::size(kzb_fuzz::motor_types); ++machine) {
+        // Two whole models of each machine: without options, and with the tables of all of them.
+        for (unsigned machine = 0; machine <= std::size(kzb_fuzz::motor_types); ++machine) {
             for (const unsigned options : {0x00U, 0xffU}) {
-                // Two whole models of each machine: without options, and with the tables of all of them.
-                const std::uint8_t choices[] = {static_cast<std::uint8_t>(machine), 3, 1,
-                                                static_cast<std::uint8_t>(options)};
-                Input in(choices, sizeof choices);
-                names_.push_back(folder_.name() + "/model" + std::to_string(names_.size()));
-                kzb_fuzz::write_machine(in, names_.back().c_str());
+                add_model(machine, static_cast<std::uint8_t>(options));
             }
         }
         models_ = names_.size();
@@ -57,6 +54,13 @@ class Files {
     const char* any(unsigned choice) const { return choice == 0xff ? nullptr : names_[choice % names_.size()].c_str(); }
 
   private:
+    void add_model(unsigned machine, std::uint8_t options) {
+        const std::uint8_t choices[] = {static_cast<std::uint8_t>(machine), 3, 1, options};
+        const bool is_generic = machine == std::size(kzb_fuzz::motor_types);
+        Input in(choices + (is_generic ? 1 : 0), sizeof choices - (is_generic ? 1 : 0));
+        names_.push_back(folder_.name() + "/model" + std::to_string(names_.size()));
+        (is_generic ? kzb_fuzz::write_generic : kzb_fuzz::write_machine)(in, names_.back());
+    }
     void add_text(const char* name, const char* text) {
         names_.push_back(folder_.name() + "/" + name);
         kzb_fuzz::hold(names_.back(), text);
