@@ -11,21 +11,25 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace {
 
-// The result of `body` in a process without standard streams.
-int without_streams(const std::function<bool()>& body) {
+// The result of `body` in a process without some of the standard streams.
+int without_streams(const std::vector<int>& streams, const std::function<bool()>& body) {
     const pid_t child = ::fork();
     if (child == 0) {
-        ::close(STDIN_FILENO);
-        ::close(STDOUT_FILENO);
-        ::close(STDERR_FILENO);
+        for (const int stream : streams) {
+            ::close(stream);
+        }
         ::_exit(body() ? 0 : 1);
     }
     int status = -1;
     ::waitpid(child, &status, 0);
     return status;
+}
+int without_streams(const std::function<bool()>& body) {
+    return without_streams({STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}, body);
 }
 
 bool streams_are_free() {
@@ -74,7 +78,27 @@ TEST(OwnFile, descriptor_moves_above_the_streams) {
               }),
               0);
     EXPECT_EQ(kzb::above_standard_streams(-1), -1);
+    EXPECT_EQ(kzb::above_standard_streams(3), 3);
     EXPECT_EQ(kzb::above_standard_streams(7), 7);
+}
+
+TEST(OwnFile, any_one_closed_stream_stays_free) {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        const auto is_free = [stream] { return ::fcntl(stream, F_GETFD) == -1; };
+        EXPECT_EQ(without_streams({stream},
+                                  [&] {
+                                      const int low = ::open("/dev/null", O_RDONLY);
+                                      const int moved = kzb::above_standard_streams(low);
+                                      return low == stream && moved > STDERR_FILENO && is_free();
+                                  }),
+                  0);
+        EXPECT_EQ(without_streams({stream},
+                                  [&] {
+                                      std::FILE* const file = kzb::open_own_file("/dev/null", "w");
+                                      return file != nullptr && ::fileno(file) > STDERR_FILENO && is_free();
+                                  }),
+                  0);
+    }
 }
 
 }  // namespace

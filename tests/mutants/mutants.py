@@ -32,7 +32,7 @@ NEAREST = {
     "models": ["models_tests"],
     "circuit": ["circuit_tests"],
     "circuit/generic": ["generic_tests"],
-    "diagnostics": ["diagnostics_tests"],
+    "diagnostics": ["diagnostics_tests", "host_tests"],
     "interface": ["interface_tests", "interface_internal_tests"],
 }
 SECOND = ["same_bits_tests", "interface_tests", "models_tests"]
