@@ -93,6 +93,41 @@ TEST_P(RandomLookup, equals_the_slow_derivation_on_odd_grids_values_and_points) 
 
 INSTANTIATE_TEST_SUITE_P(Axes, RandomLookup, testing::Range(1, 9));
 
+// The tolerance itself away from a node at 0, and the doubles next to it; nodes as far apart as the tolerance too.
+TEST(AxisTolerance, decides_at_its_very_edge_as_the_slow_derivation_does) {
+    constexpr double tol = kzb::KZB_AXIS_TOL;
+    const double offsets[] = {tol, std::nextafter(tol, 0.0), std::nextafter(tol, 1.0)};
+    TableMaker maker;
+    for (int round = 0; round < 600; ++round) {
+        const int dim = 1 + maker.below(3);
+        std::vector<int> rows;
+        for (int a = 0; a < dim; ++a) {
+            rows.push_back(2 + maker.below(dim == 1 ? 7 : 5));
+        }
+        KZB_TABLE table;
+        kzb::table_create(table, dim, rows.data());
+        std::vector<double> x;
+        for (int a = 0; a < dim; ++a) {
+            const int count = rows[static_cast<std::size_t>(a)];
+            const int zero = maker.below(count);
+            const double width = maker.below(4) == 0 ? tol : 1.0;
+            for (int i = 0; i < count; ++i) {
+                kzb::table_set_axis_value(&table, a + 1, i, width * (i - zero));
+            }
+            kzb::table_set_cyclic_flag(&table, a + 1, maker.below(5) == 0 ? 1 : 0);
+            x.push_back((maker.below(2) == 0 ? 1.0 : -1.0) * offsets[maker.below(3)]);
+        }
+        for (std::size_t i = 0; i < static_cast<std::size_t>(table.total); ++i) {
+            table.values[i] = maker.value(false);
+        }
+        for (const char* const method : methods) {
+            for (const bool generic : {false, true}) {
+                ASSERT_NO_FATAL_FAILURE(compare(method, table, x, generic)) << "round " << round;
+            }
+        }
+    }
+}
+
 // The components of a table are what single lookups give at 0, 1, 2 .. of the last axis.
 TEST(Components, equal_single_lookups) {
     TableMaker maker;
