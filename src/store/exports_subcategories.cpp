@@ -51,11 +51,11 @@ const char* kzb_get_child_subcategory_name(const char* path, const int* indices,
     return with_store(
         "", handle,
         [&](KZB_STORE& store) {
-            const std::set<std::string> children = kzb::child_subcategories(store, path, indices);
+            const std::vector<std::string> children = kzb::child_subcategories(store, path, indices);
             if (index < 0 || static_cast<std::size_t>(index) >= children.size()) {
                 return "";
             }
-            store.child_name = *std::next(children.begin(), index);
+            store.child_name = children[static_cast<std::size_t>(index)];
             return store.child_name.c_str();
         },
         path, indices);

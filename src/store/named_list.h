@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,6 +32,8 @@ class NamedList {
   public:
     std::size_t size() const { return records_.size(); }
     bool empty() const { return records_.empty(); }
+    // Room for that many records.
+    void reserve(std::size_t count) { records_.reserve(count); }
     Record& operator[](std::size_t i) { return records_[i]; }
     const Record& operator[](std::size_t i) const { return records_[i]; }
     auto begin() { return records_.begin(); }
@@ -67,11 +70,13 @@ class NamedList {
         if (position == records_.size()) {
             return;
         }
-        index_.erase(records_[position].keyword);
-        records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(position));
-        for (auto& entry : index_) {
-            entry.second -= entry.second > position ? 1U : 0U;
+        if (index_) {
+            index_->erase(records_[position].keyword);
+            for (auto& entry : *index_) {
+                entry.second -= entry.second > position ? 1U : 0U;
+            }
         }
+        records_.erase(records_.begin() + static_cast<std::ptrdiff_t>(position));
     }
 
     // Exchanges the names of two records, both present; each keeps its place.
@@ -81,8 +86,8 @@ class NamedList {
         if (a == records_.size() || b == records_.size()) {
             return;
         }
-        if (!index_.empty()) {
-            std::swap(index_.find(first)->second, index_.find(second)->second);
+        if (index_) {
+            std::swap(index_->find(first)->second, index_->find(second)->second);
         }
         std::swap(records_[a].keyword, records_[b].keyword);
     }
@@ -92,29 +97,29 @@ class NamedList {
 
     // The number of records when absent.
     std::size_t place(std::string_view keyword) const {
-        if (index_.empty()) {
+        if (!index_) {
             const auto has_name = [keyword](const Record& record) { return record.keyword == keyword; };
             return static_cast<std::size_t>(std::find_if(begin(), end(), has_name) - begin());
         }
-        const auto at = index_.find(keyword);
-        return at == index_.end() ? records_.size() : at->second;
+        const auto at = index_->find(keyword);
+        return at == index_->end() ? records_.size() : at->second;
     }
 
     // All names are in the index, or none.
     void index_last() {
-        if (!index_.empty()) {
-            index_.emplace(records_.back().keyword, static_cast<std::uint32_t>(records_.size() - 1));
+        if (index_) {
+            index_->emplace(records_.back().keyword, static_cast<std::uint32_t>(records_.size() - 1));
         } else if (records_.size() > most_unindexed) {
-            NameIndex index;
+            auto index = std::make_unique<NameIndex>();
             for (const Record& record : records_) {
-                index.emplace(record.keyword, static_cast<std::uint32_t>(index.size()));
+                index->emplace(record.keyword, static_cast<std::uint32_t>(index->size()));
             }
             index_ = std::move(index);
         }
     }
 
     std::vector<Record> records_;
-    NameIndex index_;
+    std::unique_ptr<NameIndex> index_;  // null while the records are few
 };
 
 }  // namespace kzb

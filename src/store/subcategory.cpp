@@ -10,9 +10,7 @@ namespace {
 
 constexpr std::string_view separators = ";,:";
 
-bool is_separator(char c) {
-    return separators.find(c) != std::string_view::npos;
-}
+constexpr auto is_separator = [](char c) { return c == separators[0] || c == separators[1] || c == separators[2]; };
 
 // Takes the next element off the path; empty at its end. A separator at an end or doubled makes no element, since no
 // index belongs to it.
@@ -59,8 +57,8 @@ std::string subcategory_front(const char* path, const int* indices) {
 }
 
 // The text need not stand at the front of a category's name: wherever it first occurs it is taken out.
-std::set<std::string> pieces_behind(const KZB_STORE& store, const std::string& text) {
-    std::set<std::string> found;
+std::vector<std::string> pieces_behind(const KZB_STORE& store, const std::string& text) {
+    std::vector<std::string> found;
     for (const KZB_CATEGORY& category : store.categories) {
         const std::size_t at = category.name.find(text);
         if (at != std::string::npos) {
@@ -70,13 +68,15 @@ std::set<std::string> pieces_behind(const KZB_STORE& store, const std::string& t
                 const std::string_view rest = name.substr(at + text.size());
                 piece.append(rest.substr(0, rest.find_first_of(separators)));
             }
-            found.insert(std::move(piece));
+            found.push_back(std::move(piece));
         }
     }
+    std::sort(found.begin(), found.end());
+    found.erase(std::unique(found.begin(), found.end()), found.end());
     return found;
 }
 
-std::set<std::string> subcategory_indices(const KZB_STORE& store, const char* path, const int* indices) {
+std::vector<std::string> subcategory_indices(const KZB_STORE& store, const char* path, const int* indices) {
     if (path == nullptr) {
         return {};
     }
@@ -87,9 +87,9 @@ std::set<std::string> subcategory_indices(const KZB_STORE& store, const char* pa
     return pieces_behind(store, subcategory_front(path, indices));
 }
 
-std::set<std::string> child_subcategories(const KZB_STORE& store, const char* path, const int* indices) {
+std::vector<std::string> child_subcategories(const KZB_STORE& store, const char* path, const int* indices) {
     const std::string name = subcategory_name(path, indices);
-    return name.empty() ? std::set<std::string>() : pieces_behind(store, name);
+    return name.empty() ? std::vector<std::string>() : pieces_behind(store, name);
 }
 
 }  // namespace kzb

@@ -1,8 +1,8 @@
 // Subcategories: categories whose flat name is made of a path and indices, `<name0>;<idx0>;<name1>;<idx1>;`.
 #pragma once
 
-#include <set>
 #include <string>
+#include <vector>
 
 #include "store/store.h"
 
@@ -15,12 +15,12 @@ std::string subcategory_name(const char* path, const int* indices);
 std::string subcategory_front(const char* path, const int* indices);
 
 // Distinct first pieces behind `text`, where it first occurs in the names of the categories, sorted by byte value.
-std::set<std::string> pieces_behind(const KZB_STORE& store, const std::string& text);
+std::vector<std::string> pieces_behind(const KZB_STORE& store, const std::string& text);
 
 // Distinct first pieces behind the name without the last element's index, sorted by byte value.
-std::set<std::string> subcategory_indices(const KZB_STORE& store, const char* path, const int* indices);
+std::vector<std::string> subcategory_indices(const KZB_STORE& store, const char* path, const int* indices);
 
 // Distinct first pieces behind the whole name, sorted by byte value.
-std::set<std::string> child_subcategories(const KZB_STORE& store, const char* path, const int* indices);
+std::vector<std::string> child_subcategories(const KZB_STORE& store, const char* path, const int* indices);
 
 }  // namespace kzb

@@ -13,6 +13,15 @@ namespace {
 
 enum class Outcome { go_on, category_ends, refused };
 
+// Room for the entries that a file says it has, as far as it need not prove them.
+template <class List>
+void reserve_some(List& list, int stated) {
+    constexpr int most = 16;
+    if (list.empty() && stated > 0) {
+        list.reserve(static_cast<std::size_t>(std::min(stated, most)));
+    }
+}
+
 class BinaryReader {
   public:
     BinaryReader(KZB_STORE& store, FileSource& source) : store_(store), source_(source) {}
@@ -31,6 +40,8 @@ class BinaryReader {
 
     KZB_STORE& store_;
     FileSource& source_;
+    std::string name_;
+    std::string keyword_;
 };
 
 int BinaryReader::read() {
@@ -68,19 +79,21 @@ Outcome BinaryReader::read_category() {
     if (length >= static_cast<int>(name_limit)) {
         return Outcome::refused;
     }
-    std::string name;
-    if (length < 0 || !take_text(static_cast<std::size_t>(length), name)) {
+    name_.clear();
+    if (length < 0 || !take_text(static_cast<std::size_t>(length), name_)) {
         report_broken();
         return Outcome::go_on;
     }
     std::int64_t total = 0;  // the type code of an entry tells its kind, not the order
-    for (int kind = 0; kind < 4; ++kind) {
-        int count = 0;
+    int counts[4] = {};
+    for (int& count : counts) {
         source_.take(count);
         total += count;
     }
     check_terminator();
-    KZB_CATEGORY& category = *require_category(store_, up_to_nul(name));
+    KZB_CATEGORY& category = *require_category(store_, up_to_nul(name_));
+    reserve_some(category.ints, counts[0]);
+    reserve_some(category.doubles, counts[1]);
     for (Outcome outcome = Outcome::go_on; total > 0 && outcome != Outcome::category_ends; --total) {
         outcome = read_entry(category);
         if (outcome == Outcome::refused) {
@@ -96,15 +109,15 @@ Outcome BinaryReader::read_entry(KZB_CATEGORY& category) {
     if (length >= static_cast<int>(name_limit)) {
         return Outcome::refused;
     }
-    std::string keyword;
-    take_text(length < 1 ? 0 : static_cast<std::size_t>(length), keyword);
+    keyword_.clear();
+    take_text(length < 1 ? 0 : static_cast<std::size_t>(length), keyword_);
     int type = -1;
     source_.take(type);
     if (length < 1 || type < 0) {
         report_no_keyword();
         return Outcome::category_ends;
     }
-    read_value(category, up_to_nul(keyword), type);
+    read_value(category, up_to_nul(keyword_), type);
     return Outcome::go_on;
 }
 
