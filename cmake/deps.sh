@@ -2,7 +2,7 @@
 # Installs the Debian packages that the project needs and that are missing. Asks for nothing where all is there.
 set -eu
 
-packages="g++ clang libclang-rt-14-dev clang-format clang-tidy cmake ninja-build git make python3 pkg-config
+packages="g++ clang llvm libclang-rt-14-dev clang-format clang-tidy cmake ninja-build git make python3 pkg-config
   libboost-dev libboost-locale-dev libmuparser-dev libcli11-dev libfmt-dev libtomlplusplus-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev gnuplot-nox gcovr locales"
 

@@ -8,7 +8,10 @@ cd "$(dirname "$0")/.."
 targets=${*:-$(cd fuzz && ls -d seeds/*/ | sed 's|seeds/\(.*\)/|\1|')}
 build=${COVERAGE_BUILD:-build/fuzz-coverage}
 seeds=${SEEDS:-fuzz/seeds}
-tool() { command -v "$1" || ls /usr/bin/"$1"-[0-9]* | tail -1; }
+tool() {
+    command -v "$1" || ls /usr/bin/"$1"-[0-9]* 2>/dev/null | grep . | tail -1 | grep . ||
+        { echo "$1 is missing: apt-get install llvm" >&2; exit 1; }
+}
 profdata=$(tool llvm-profdata)
 cov=$(tool llvm-cov)
 

@@ -5,7 +5,7 @@
 
 namespace kzb_fuzz {
 
-// Standard output goes nowhere from now on. Standard error stays: that of a run is shut by -close_fd_mask=2, which
+// Standard output goes nowhere from now on. Standard error stays: that of a run is shut by -close_fd_mask=3, which
 // leaves the reports of the sanitizers.
 inline void silence() {
     static const bool done = std::freopen("/dev/null", "w", stdout) != nullptr;

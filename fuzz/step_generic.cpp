@@ -9,7 +9,7 @@
 namespace {
 
 // A step takes up to fifty passes.
-constexpr kzb_fuzz::RunBounds most{16, 1, 1};
+constexpr kzb_fuzz::RunBounds most{16, 3, 1};
 
 }  // namespace
 

@@ -29,8 +29,11 @@ constexpr int most_costly_calls = 6;
 constexpr int most_values = 512;  // of a table
 
 constexpr const char* correction_text =
-    "<$correction_file>\ntotal_flux,2,2\n,0,10\n0,1.0,1.1\n90,0.9,1.2\n<$correction_file_end>\n";
-constexpr const char* loss_text = "0,0,0,1\n0,10,0,2\n10,0,0,3\n10,10,0,4\n";
+    "$KZ_Correction_Start\n$KZ_Correction_Version,1.0\n$KZ_Correction_MotorType,PMSM\n"
+    "$KZ_Correction_Torque,2,2\nphase,0,360\n0,1.0,1.1\n1000,0.9,1.2\n$KZ_Correction_End\n";
+// Amplitude, phase, speed, voltage, carrier, loss.
+constexpr const char* loss_text =
+    "0 0 0 300 10000 1\n0 360 0 300 10000 2\n100 0 0 300 10000 3\n100 360 0 300 10000 4\n";
 
 // Files that the calls may name; the models are made once.
 class Files {

@@ -79,17 +79,17 @@ double kzbcalcGetUserCopperLoss(KZB_CALC* handle) {
 
 double kzbcalcGetUserSpecifiedParameter(int index, KZB_CALC* handle) {
     return guarded(not_applicable, [&] {
-        return with_tables<with_materials | generic>(
-            handle, not_applicable,
-            [=](auto& model) {
-                const std::vector<double>& parameters = model.user_parameters();
-                const bool inside = index >= 1 && static_cast<std::size_t>(index) <= parameters.size();
-                return inside ? parameters[static_cast<std::size_t>(index) - 1] : as_value(status_count);
-            },
-            [=](Calc_Eq_generic& model) {
+        if (has_model(handle) && serves(*handle, generic)) {
+            return with_tables<generic>(handle, not_applicable, [=](Calc_Eq_generic& model) {
                 const bool inside = index >= 1 && index <= model.user_parameter_count();
                 return inside ? model.user_parameter(index) : as_value(status_count);
             });
+        }
+        return with_model<with_materials>(handle, not_applicable, [=](auto& model) {
+            const std::vector<double>& parameters = model.user_parameters();
+            const bool inside = index >= 1 && static_cast<std::size_t>(index) <= parameters.size();
+            return inside ? parameters[static_cast<std::size_t>(index) - 1] : as_value(status_count);
+        });
     });
 }
 

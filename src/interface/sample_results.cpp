@@ -96,8 +96,10 @@ double kzbcalcGetTorque(KZB_CALC* handle) {
         if (!has_model(handle)) {
             return not_applicable;
         }
-        return with_tables<with_torque>(handle, as_value(status_no_torque),
-                                        [=](auto& model) { return torque(*handle, model); });
+        const auto answer = [=](auto& model) { return torque(*handle, model); };
+        return handle->calc_mode == current_driven
+                   ? with_tables<with_torque>(handle, as_value(status_no_torque), answer)
+                   : with_model<with_torque>(handle, as_value(status_no_torque), answer);
     });
 }
 
@@ -159,12 +161,14 @@ double kzbcalcGetQAxisInductance(KZB_CALC* handle) {
 
 double kzbcalcGetMagFlux(int phase, KZB_CALC* handle) {
     return guarded(not_applicable, [&] {
-        return with_tables<permanent_magnet | stepping | solenoid>(
-            handle, not_applicable, [=](auto& model) { return model.magnet_flux_of(phase); },
-            [=](Calc_Eq& model) {
+        if (has_model(handle) && serves(*handle, permanent_magnet)) {
+            return with_tables<permanent_magnet>(handle, not_applicable, [=](Calc_Eq& model) {
                 const double flux = model.magnet_flux_at_position(phase);
                 // Tested after the lookup, as established.
                 return phase_status(handle, phase) == 0 ? flux : as_value(status_secondary_resistance);
             });
+        }
+        return with_model<stepping | solenoid>(handle, not_applicable,
+                                               [=](auto& model) { return model.magnet_flux_of(phase); });
     });
 }

@@ -111,13 +111,16 @@ class CommandFaults : public testing::Test {
     }
 
     void kill(const std::vector<std::string>& arguments, const std::string& whole, FileCall call, int most) {
+        int killed = 0;
         for (int number = 1; number <= most; ++number) {
             write_file(folder_ / "out", old_content);
             const FaultPlan plan{call, number, FileFault::kills, 0};
             const Finished finished = kzb(arguments, &plan);
             EXPECT_THAT(finished.code, AnyOf(0, killed_status)) << finished.error;
             EXPECT_THAT(read_file(folder_ / "out"), AnyOf(old_content, whole));
+            killed += finished.code == killed_status ? 1 : 0;
         }
+        EXPECT_GT(killed, 0) << arguments[0] << ": no call of kind " << static_cast<int>(call);
     }
 
     Folder folder_;

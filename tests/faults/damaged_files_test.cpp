@@ -6,6 +6,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <array>
 #include <ctime>
 #include <random>
 
@@ -247,6 +248,62 @@ TEST_F(DamagedFiles, some_random_changes_of_large_files_are_survived) {
 TEST_F(DamagedFiles, every_one_of_twenty_thousand_random_changes_of_large_files_is_survived) {
     for (const Seed& seed : large_seeds(folder_)) {
         expect_bounded(seed, damage_at_random(seed, 10000, 2));
+    }
+}
+
+template <class Word>
+void add_word(std::string& bytes, Word word) {
+    bytes.append(reinterpret_cast<const char*>(&word), sizeof word);
+}
+
+void add_text(std::string& bytes, const std::string& text) {
+    add_word(bytes, static_cast<int>(text.size()));
+    bytes += text;
+}
+
+// A category that says how many entries it has, and has none or what follows.
+void add_category(std::string& bytes, const std::string& name, const std::array<int, 4>& counts) {
+    bytes += '*';
+    add_text(bytes, name);
+    for (const int count : counts) {
+        add_word(bytes, count);
+    }
+    bytes += ",#";
+}
+
+// Files that are nothing but claims, of entries that never come and of tables without a body.
+TEST_F(DamagedFiles, files_that_promise_much_take_memory_in_proportion) {
+    constexpr int many = 10000;
+    const std::string head = "$DORN-KZb,#\n";
+    std::string entries = head;
+    std::string table_heads = head;
+    add_category(table_heads, "c", {0, 0, 0, many});
+    for (int i = 0; i < many; ++i) {
+        // As many fewer of the third kind as there are more of the others.
+        add_category(entries, std::to_string(i), {16, 16, -32, 0});
+        add_text(table_heads, std::to_string(i));
+        add_word(table_heads, 3);   // a table
+        add_word(table_heads, -1);  // of no number of axes
+    }
+    const Seed binary{"promises", folder_ / "promises"};
+    for (const std::string& bytes : {entries, table_heads}) {
+        write_file(binary.path, bytes + "$end_of_kzb_file,#\n");
+        KZB_STORE* store = nullptr;
+        kzb_initialize(&store);
+        kzb_reader(binary.path.c_str(), store);
+        const int categories = kzb_get_category_num(store);
+        EXPECT_GE(categories > many ? categories : kzb_get_table_num("c", store), many) << categories;
+        kzb_finish(store);
+        Costs costs;
+        {
+            const Quiet quiet;
+            measure(binary, binary.path, bytes.size(), costs);
+        }
+        EXPECT_LT(costs.seconds, 1.0);
+        EXPECT_LT(costs.bytes_per_byte, 64.0);
+        EXPECT_EQ(costs.blocks_left, 0);
+        std::printf("%zu bytes: %.4f s, %.1f bytes of heap per byte over 1 MB\n", bytes.size(), costs.seconds,
+                    costs.bytes_per_byte);
     }
 }
 

@@ -154,6 +154,43 @@ TEST_F(StoreMemory, finish_without_memory_leaves_the_old_file_or_the_whole_new_o
     EXPECT_GT(asked, 0);
 }
 
+// Reading and loading from the start: a file that was read to its end has the tables that found no memory loaded by the
+// next call.
+TEST_F(StoreMemory, a_file_that_is_told_as_read_can_be_loaded) {
+    if (!heap_is_own) {
+        GTEST_SKIP() << "the sanitizer's heap refuses nothing";
+    }
+    KZB_STORE* const loaded = loaded_store(rotary_.path());
+    const std::string sound = content_of(loaded);
+    kzb_finish(loaded);
+    for (const Refusal refusal : both) {
+        long refused = 1;
+        int read = 0;  // although some of it found no memory, but for the last time
+        for (long number = 1; refused > 0; ++number) {
+            const long blocks_before = live_blocks();
+            KZB_STORE* store = nullptr;
+            kzb_initialize(&store);
+            int result = 0;
+            {
+                const Quiet quiet;
+                const ScarceHeap heap(number, refusal);
+                result = kzb_reader(rotary_.path().c_str(), store);
+                kzb_set_application("ALL", "", store);
+                refused = heap.refused();
+            }
+            read += result == 0 ? 1 : 0;
+            kzb_set_application("ALL", "", store);
+            const bool whole = content_of(store) == sound;
+            kzb_finish(store);
+            const long blocks_left = live_blocks() - blocks_before;
+            EXPECT_EQ(blocks_left, 0) << number;
+            EXPECT_TRUE(whole || result == 1) << number << ": with memory again";
+            EXPECT_TRUE(result == 0 || refused > 0);
+        }
+        EXPECT_GT(read, 10);
+    }
+}
+
 TEST_F(StoreMemory, a_store_that_finds_no_memory_is_null) {
     if (!heap_is_own) {
         GTEST_SKIP() << "the sanitizer's heap refuses nothing";

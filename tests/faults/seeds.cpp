@@ -70,11 +70,14 @@ void fill_small(ModelFile& file, int rows) {
         .integer("eddyloss", "matID1", 1);
 }
 
-std::vector<Seed> both_forms(const Folder& folder, const std::string& name, int rows) {
-    ModelFile model;
-    fill_small(model, rows);
-    write_file(folder / (name + "_ascii"), ascii_form(model.store()));
-    write_file(folder / (name + "_binary"), read_file(model.path()));
+// With more rows in the binary form, where a number takes less.
+std::vector<Seed> both_forms(const Folder& folder, const std::string& name, int ascii_rows, int binary_rows) {
+    ModelFile ascii;
+    ModelFile binary;
+    fill_small(ascii, ascii_rows);
+    fill_small(binary, binary_rows);
+    write_file(folder / (name + "_ascii"), ascii_form(ascii.store()));
+    write_file(folder / (name + "_binary"), read_file(binary.path()));
     return {{name + " ascii", folder / (name + "_ascii")}, {name + " binary", folder / (name + "_binary")}};
 }
 
@@ -112,7 +115,7 @@ std::string ascii_form(KZB_STORE* store) {
 }
 
 std::vector<Seed> model_seeds(const Folder& folder) {
-    std::vector<Seed> seeds = both_forms(folder, "small", 12);
+    std::vector<Seed> seeds = both_forms(folder, "small", 12, 40);
     const std::string older = std::string(KZB_SOURCE_DIR) + "/fuzz/seeds/read_model/";
     seeds.push_back({"older ascii", older + "legacy_ascii.kzb", true});
     seeds.push_back({"older binary", older + "legacy_binary.kzb"});
@@ -120,14 +123,15 @@ std::vector<Seed> model_seeds(const Folder& folder) {
 }
 
 std::vector<Seed> large_seeds(const Folder& folder) {
-    std::vector<Seed> seeds = both_forms(folder, "large", 20000);
-    return seeds;
+    return both_forms(folder, "large", 16000, 40000);
 }
 
 std::vector<Seed> measured_seeds(const Folder& folder) {
     std::string correction;
-    for (const char* const item : {"Torque", "Inductance", "MagFlux", "Ironloss"}) {
-        correction += everywhere(item, "1.25") + everywhere(item, "0.75");
+    for (const char* const factor : {"1.25", "0.75", "1.5", "1.0"}) {
+        for (const char* const item : {"Torque", "Inductance", "MagFlux", "Ironloss"}) {
+            correction += everywhere(item, factor) + everywhere(item, "0.5");
+        }
     }
     write_file(folder / "correction", correction_file(correction));
     std::string losses = "$ amplitude phase speed voltage carrier loss\n";
@@ -135,9 +139,11 @@ std::vector<Seed> measured_seeds(const Folder& folder) {
         "#reference_name=\"shaft\",type=\"Speed\",index=\"0\",periodic=\"0\"\n"
         "#reference_name=\"winding set\",type=\"Current\",index=\"1\",periodic=\"0\"\n"
         "#reference_name=\"bus\",type=\"Voltage\",index=\"2\",periodic=\"0\"\n";
-    for (int i = 0; i < 80; ++i) {
+    constexpr int loss_points = 80;
+    constexpr int described_points = 160;
+    for (int i = 0; i < described_points; ++i) {
         const std::string point = std::to_string(i / 8) + " " + std::to_string(i / 4 % 2) + " " + std::to_string(i % 4);
-        losses += point + " 300 10000 2.5\n";
+        losses += i < loss_points ? point + " 300 10000 2.5\n" : std::string();
         described += point + " 1.25\n";
     }
     write_file(folder / "losses", losses);

@@ -1,11 +1,16 @@
 // kzb_finish and kzb_export_information on files that fail: the old file or the whole new one, and nothing beside it.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 
 #include "faults/file_faults.h"
@@ -24,6 +29,30 @@ constexpr FileCall writing_calls[] = {FileCall::open,   FileCall::write, FileCal
 constexpr int more_than_any = 50;  // calls of a kind in one writing
 
 const std::string old_content = "the file of before";
+
+bool is_pending(int signal) {
+    sigset_t pending;
+    sigemptyset(&pending);
+    sigpending(&pending);
+    return sigismember(&pending, signal) == 1;
+}
+
+// How a process ends that does `work`, while this one does something else.
+template <class Work, class Meanwhile>
+int status_of_child(Work work, Meanwhile meanwhile) {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(work());
+    }
+    meanwhile();
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status;
+}
+template <class Work>
+int status_of_child(Work work) {
+    return status_of_child(work, [] {});
+}
 
 class WritingFaults : public testing::Test {
   protected:
@@ -70,7 +99,7 @@ class WritingFaults : public testing::Test {
 
 TEST_F(WritingFaults, a_call_that_fails_leaves_the_old_file_or_the_whole_new_one) {
     for (const FileCall call : writing_calls) {
-        for (const int error : {ENOSPC, EACCES}) {
+        for (const int error : {ENOSPC, EACCES, EIO}) {
             int hits = 0;
             bool struck = true;
             for (long number = 1; struck && number < more_than_any; ++number) {
@@ -94,25 +123,32 @@ TEST_F(WritingFaults, a_call_that_fails_leaves_the_old_file_or_the_whole_new_one
 TEST_F(WritingFaults, a_call_that_fails_leaves_nothing_or_the_whole_file_where_none_stood) {
     for (const FileCall call : writing_calls) {
         bool struck = true;
+        int hits = 0;
         for (long number = 1; struck && number < more_than_any; ++number) {
             std::filesystem::remove(path_);
             struck = finish_with({call, number, FileFault::fails, ENOSPC});
+            hits += struck ? 1 : 0;
             EXPECT_THAT(folder_.names(), AnyOf(IsEmpty(), ElementsAre("out")));
             if (!folder_.names().empty()) {
                 EXPECT_EQ(read_file(path_), new_content_);
             }
         }
+        // Mode and disk are looked after only where an old file is replaced.
+        EXPECT_EQ(hits > 0, call != FileCall::fchmod && call != FileCall::fsync) << static_cast<int>(call);
     }
 }
 
 TEST_F(WritingFaults, short_and_interrupted_writes_write_everything) {
     for (const FileFault fault : {FileFault::shortened, FileFault::interrupted}) {
         bool struck = true;
+        int hits = 0;
         for (long number = 1; struck && number < more_than_any; ++number) {
             write_file(path_, old_content);
             struck = finish_with({FileCall::write, number, fault, 0});
+            hits += struck ? 1 : 0;
             EXPECT_EQ(read_file(path_), new_content_);
         }
+        EXPECT_GT(hits, 0);
     }
 }
 
@@ -151,6 +187,86 @@ TEST_F(WritingFaults, a_folder_that_takes_no_new_file_has_the_file_written_in_pl
     ASSERT_EQ(stat(path_.c_str(), &after), 0);
     EXPECT_EQ(before.st_ino, after.st_ino);
     EXPECT_EQ(read_file(path_), new_content_);
+}
+
+TEST_F(WritingFaults, a_file_that_cannot_be_emptied_in_its_place_stays) {
+    write_file(path_, old_content);
+    const int nameless = open(path_.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GE(nameless, 0);
+    std::filesystem::remove(path_);
+    const std::string place = "/proc/self/fd/" + std::to_string(nameless);
+    KZB_STORE* const store = filled();
+    kzb_writer(place.c_str(), store);
+    {
+        const FaultyFiles faults({FileCall::ftruncate, 1, FileFault::fails, EPERM});
+        kzb_finish(store);
+        EXPECT_TRUE(faults.struck());
+    }
+    EXPECT_EQ(read_file(place), old_content);
+    close(nameless);
+}
+
+// A file that is mounted by itself; another's file in a folder with the sticky bit.
+TEST_F(WritingFaults, where_a_name_cannot_be_exchanged_the_new_bytes_go_into_the_old_file) {
+    for (const int error : {EBUSY, EPERM}) {
+        write_file(path_, old_content);
+        struct stat before {};
+        ASSERT_EQ(stat(path_.c_str(), &before), 0);
+        EXPECT_TRUE(finish_with({FileCall::rename, 1, FileFault::fails, error}));
+        struct stat after {};
+        ASSERT_EQ(stat(path_.c_str(), &after), 0);
+        EXPECT_EQ(before.st_ino, after.st_ino);
+        EXPECT_EQ(read_file(path_), new_content_);
+        EXPECT_THAT(folder_.names(), ElementsAre("out"));
+    }
+}
+
+TEST_F(WritingFaults, a_file_beyond_the_limit_of_the_process_does_not_end_it) {
+    write_file(path_, old_content);
+    const int status = status_of_child([&] {
+        signal(SIGXFSZ, SIG_DFL);
+        const rlimit limit{512, 512};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        finish(path_);
+        return is_pending(SIGXFSZ) ? 1 : 0;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(read_file(path_), old_content);
+    EXPECT_THAT(folder_.names(), ElementsAre("out"));
+}
+
+TEST_F(WritingFaults, a_pipe_whose_reader_goes_does_not_end_the_process) {
+    ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+    const int reader = open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    const auto write_until_it_fails = [&] {
+        signal(SIGPIPE, SIG_DFL);
+        close(reader);
+        finish(path_);
+        return is_pending(SIGPIPE) ? 1 : 0;
+    };
+    const int status = status_of_child(write_until_it_fails, [&] {
+        pollfd first{reader, POLLIN, 0};  // more comes than a pipe holds
+        EXPECT_EQ(poll(&first, 1, 30000), 1);
+        close(reader);
+    });
+    EXPECT_EQ(status, 0);
+}
+
+// A signal that waited for the host before still does.
+TEST_F(WritingFaults, a_pending_signal_of_the_host_stays) {
+    const int status = status_of_child([&] {
+        sigset_t own;
+        sigemptyset(&own);
+        sigaddset(&own, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &own, nullptr);
+        raise(SIGPIPE);
+        finish(path_);
+        sigset_t mask;
+        pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+        return is_pending(SIGPIPE) && sigismember(&mask, SIGPIPE) == 1 && sigismember(&mask, SIGXFSZ) == 0 ? 0 : 1;
+    });
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(WritingFaults, mode_and_owner_of_the_old_file_stay) {
@@ -221,6 +337,7 @@ TEST_F(WritingFaults, the_exported_document_is_the_old_one_or_the_whole_new_one)
     const std::string document = read_file(path_);
     for (const FileCall call : writing_calls) {
         bool struck = true;
+        int hits = 0;
         for (long number = 1; struck && number < more_than_any; ++number) {
             write_file(path_, old_content);
             kzb_reset_error(store);
@@ -235,7 +352,9 @@ TEST_F(WritingFaults, the_exported_document_is_the_old_one_or_the_whole_new_one)
             // A file that can't be opened is told, a write that fails is not.
             EXPECT_EQ(result, struck && call == FileCall::open ? 1 : 0);
             EXPECT_EQ(kzb_has_error(store), struck && call == FileCall::open ? 90032 : 0);
+            hits += struck ? 1 : 0;
         }
+        EXPECT_GT(hits, 0) << static_cast<int>(call);
     }
     kzb_finish(store);
 }

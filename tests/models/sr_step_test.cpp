@@ -480,7 +480,20 @@ TEST(sr_safety, odd_numbers_do_no_harm) {
         model.evaluate_torque();
         kzb::put_int(store, "control", "number_of_poles", 0);
         model.evaluate_torque();
-        SUCCEED();
+        // Nothing of it outlives the model: a fresh one on the same store steps as if nothing had been.
+        kzb::put_int(store, "control", "number_of_poles", 8);
+        KZB_STORE untouched;
+        sr_file(untouched, 3, coupled(3, 0.02, 0.001), always(1.0), nodes(0.0, 360.0, 9, true));
+        kzb::put_int(untouched, "control", "number_of_poles", 8);
+        Calc_Eq_sr after;
+        Calc_Eq_sr alone;
+        for (Calc_Eq_sr* const fresh : {&after, &alone}) {
+            fresh->bind(fresh == &after ? store : untouched, 3);
+            fresh->step(all_on.data(), 0.3, 1e-3, all_on.data());
+        }
+        EXPECT_TRUE(std::isfinite(alone.current_output(1)));
+        EXPECT_NE(alone.current_output(1), 0.0);
+        EXPECT_EQ(after.current_output(1), alone.current_output(1));
     }
 }
 

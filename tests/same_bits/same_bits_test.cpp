@@ -42,7 +42,8 @@ std::string text(std::uint64_t hash) {
 
 void expect_hash(const std::string& name, std::uint64_t hash) {
     if (const char* const path = std::getenv("KZB_WRITE_HASHES")) {
-        std::ofstream(path, std::ios::app) << name << ' ' << text(hash) << '\n';
+        static std::ofstream written(path);
+        written << name << ' ' << text(hash) << std::endl;
         return;
     }
     const auto found = hashes().find(name);

@@ -124,7 +124,7 @@ TEST_P(CalculatorOnThreads, steps_in_turn_with_another) {
     }
 }
 
-// Calls that only read, from four threads at once.
+// Calls that only read, from eight threads at once.
 TEST_P(CalculatorOnThreads, is_read_by_several_at_once) {
     const MachineRun& run = GetParam();
     const RunFile file(run);

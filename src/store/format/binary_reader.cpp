@@ -13,15 +13,6 @@ namespace {
 
 enum class Outcome { go_on, category_ends, refused };
 
-// Room for the entries that a file says it has, as far as it need not prove them.
-template <class List>
-void reserve_some(List& list, int stated) {
-    constexpr int most = 16;
-    if (list.empty() && stated > 0) {
-        list.reserve(static_cast<std::size_t>(std::min(stated, most)));
-    }
-}
-
 class BinaryReader {
   public:
     BinaryReader(KZB_STORE& store, FileSource& source) : store_(store), source_(source) {}
@@ -31,6 +22,9 @@ class BinaryReader {
   private:
     Outcome read_category();
     Outcome read_entry(KZB_CATEGORY& category);
+    template <class List>
+    void make_room(List& list, int stated);
+    void use_room() { room_left_ = std::min(room_left_ + 1, most_room); }
     void read_value(KZB_CATEGORY& category, std::string_view keyword, int type);
     void read_string(KZB_CATEGORY& category, std::string_view keyword);
     void read_placeholder(KZB_CATEGORY& category, std::string_view keyword);
@@ -42,6 +36,8 @@ class BinaryReader {
     FileSource& source_;
     std::string name_;
     std::string keyword_;
+    static constexpr int most_room = 1000;
+    int room_left_ = most_room;  // for entries that the file has only told of yet
 };
 
 int BinaryReader::read() {
@@ -92,8 +88,8 @@ Outcome BinaryReader::read_category() {
     }
     check_terminator();
     KZB_CATEGORY& category = *require_category(store_, up_to_nul(name_));
-    reserve_some(category.ints, counts[0]);
-    reserve_some(category.doubles, counts[1]);
+    make_room(category.ints, counts[0]);
+    make_room(category.doubles, counts[1]);
     for (Outcome outcome = Outcome::go_on; total > 0 && outcome != Outcome::category_ends; --total) {
         outcome = read_entry(category);
         if (outcome == Outcome::refused) {
@@ -101,6 +97,16 @@ Outcome BinaryReader::read_category() {
         }
     }
     return Outcome::go_on;
+}
+
+// Room for the entries that the file says a category has.
+template <class List>
+void BinaryReader::make_room(List& list, int stated) {
+    const int claimed = std::min(stated, room_left_);
+    if (list.empty() && claimed > 0) {
+        list.reserve(static_cast<std::size_t>(claimed));
+        room_left_ -= claimed;
+    }
 }
 
 Outcome BinaryReader::read_entry(KZB_CATEGORY& category) {
@@ -125,11 +131,13 @@ void BinaryReader::read_value(KZB_CATEGORY& category, std::string_view keyword, 
     if (type == type_int) {
         if (int value = 0; source_.take(value)) {
             category.ints.require(keyword).value = value;
+            use_room();
         }
         check_terminator();
     } else if (type == type_double) {
         if (double value = 0.0; source_.take(value)) {
             category.doubles.require(keyword).value = value;
+            use_room();
         }
         check_terminator();
     } else if (type == type_string) {

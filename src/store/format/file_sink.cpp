@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "diagnostics/own_file.h"
+#include "store/format/write_signals.h"
 
 namespace kzb {
 namespace {
@@ -14,6 +15,11 @@ namespace {
 // A folder, or a file system, that takes no new file although an old one may be written.
 bool folder_refuses(int cause) {
     return cause == EACCES || cause == EPERM || cause == EROFS || cause == ENAMETOOLONG;
+}
+
+// A file that is mounted by itself; another's file in a folder with the sticky bit.
+bool place_refuses(int cause) {
+    return cause == EBUSY || cause == EPERM;
 }
 
 bool same_file(const std::string& path, const struct stat& file) {
@@ -125,6 +131,7 @@ bool FileSink::close() {
 }
 
 void FileSink::write(std::string_view bytes) {
+    const WriteSignals signals;
     while (cause_ == 0 && !bytes.empty()) {
         const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) {
@@ -145,11 +152,45 @@ void FileSink::put_in_place() {
     }
     note(::close(descriptor_) == 0);
     descriptor_ = -1;
-    note(cause_ == 0 && std::rename(temporary_.c_str(), place_.c_str()) == 0);
     if (cause_ == 0) {
-        temporary_.clear();
+        if (std::rename(temporary_.c_str(), place_.c_str()) == 0) {
+            temporary_.clear();
+        } else if (replaces_ && place_refuses(errno)) {
+            copy_into_place();
+        } else {
+            note(false);
+        }
     }
     drop();
+}
+
+// The whole new file stands beside; should its copy fail when the old one is gone, it stays there.
+void FileSink::copy_into_place() {
+    const int from = ::open(temporary_.c_str(), O_RDONLY | O_CLOEXEC);
+    note(from >= 0);
+    descriptor_ = ::open(place_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    note(descriptor_ >= 0);
+    note(cause_ == 0 && ftruncate(descriptor_, 0) == 0);
+    const bool truncated = cause_ == 0;
+    buffer_.resize(buffer_size);
+    while (cause_ == 0) {
+        const ssize_t count = ::read(from, buffer_.data(), buffer_size);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        note(count >= 0);
+        if (count <= 0) {
+            break;
+        }
+        write({buffer_.data(), static_cast<std::size_t>(count)});
+    }
+    note(cause_ == 0 && on_disk(descriptor_));
+    if (from >= 0) {
+        ::close(from);
+    }
+    if (truncated && cause_ != 0) {
+        temporary_.clear();
+    }
 }
 
 void FileSink::drop() {

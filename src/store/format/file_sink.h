@@ -17,7 +17,7 @@ namespace kzb {
 class FileSink {
   public:
     // Written in place all the same: what is no regular file, or has no name, and a file in a folder that takes no
-    // other.
+    // other or does not let a name be exchanged.
     explicit FileSink(const std::string& path, Writing writing = Writing::beside);
     // Without close() before: what was put is dropped.
     ~FileSink();
@@ -39,6 +39,7 @@ class FileSink {
     bool open_beside(const std::string& path);
     void write(std::string_view bytes);
     void put_in_place();
+    void copy_into_place();
     void drop();
     void note(bool done);
 
