@@ -1,7 +1,7 @@
 # A thin front over the presets of CMakePresets.json.
 #
 #   make demo      install what is missing, build, run the example on real data: CSV and plot in demo-output/
-#   make test      install what is missing, build, run every test
+#   make test      install what is missing, build, run every test but the long ones
 #   make long      the tests that take minutes each
 #   make bench     the benchmarks, with the ratio to the plain reference each
 #   make sanitize  the tests under the address, undefined and thread sanitizers

@@ -86,6 +86,17 @@ TEST(Robustness, a_scenario_nested_without_end_is_refused) {
     EXPECT_EQ(run_kzb({"run", "m.kzb", "s.toml"}, folder.path()).code, 3);
 }
 
+TEST(Robustness, a_header_without_a_key_is_refused_in_every_build) {
+    const Folder folder;
+    write_constant_machine(folder / "m.kzb");
+    for (const char* const header : {"[?]\n", "[\n]\n", "[[,]]\n", "[\x07x]\n"}) {
+        write_file(folder / "s.toml", header + scenario_head + scenario_tail);
+        const Finished finished = run_kzb({"run", "m.kzb", "s.toml"}, folder.path());
+        EXPECT_EQ(finished.code, 3) << header;
+        EXPECT_THAT(finished.err, testing::HasSubstr("s.toml")) << header;
+    }
+}
+
 // The blocks between ```toml and ``` of a document.
 std::vector<std::string> examples_of(const std::string& document) {
     std::vector<std::string> blocks;

@@ -1,5 +1,5 @@
-// The signals of a write that cannot go on, a file beyond the process's limit or a pipe without a reader, held back from
-// the host: the write fails with its cause, and the process goes on.
+// The signals of a write that cannot go on, a file beyond the process's limit or a pipe without a reader, held back
+// from the host: the write fails with its cause, and the process goes on.
 #pragma once
 
 #include <csignal>
