@@ -275,34 +275,40 @@ void add_category(std::string& bytes, const std::string& name, const std::array<
 TEST_F(DamagedFiles, files_that_promise_much_take_memory_in_proportion) {
     constexpr int many = 10000;
     const std::string head = "$DORN-KZb,#\n";
-    std::string entries = head;
-    std::string table_heads = head;
-    add_category(table_heads, "c", {0, 0, 0, many});
+    struct Promises {
+        std::string bytes;
+        double most;  // bytes of heap per byte over 1 MB
+        int (*found)(KZB_STORE*);
+    };
+    Promises entries{head, 32.0, kzb_get_category_num};
+    Promises tables{head, 80.0, [](KZB_STORE* store) { return kzb_get_table_num("c", store); }};
+    add_category(tables.bytes, "c", {0, 0, 0, many});
     for (int i = 0; i < many; ++i) {
         // As many fewer of the third kind as there are more of the others.
-        add_category(entries, std::to_string(i), {16, 16, -32, 0});
-        add_text(table_heads, std::to_string(i));
-        add_word(table_heads, 3);   // a table
-        add_word(table_heads, -1);  // of no number of axes
+        add_category(entries.bytes, std::to_string(i), {200, 200, -400, 0});
+        add_text(tables.bytes, std::to_string(i));
+        add_word(tables.bytes, 3);   // a table
+        add_word(tables.bytes, -1);  // of no number of axes
     }
     const Seed binary{"promises", folder_ / "promises"};
-    for (const std::string& bytes : {entries, table_heads}) {
-        write_file(binary.path, bytes + "$end_of_kzb_file,#\n");
-        KZB_STORE* store = nullptr;
-        kzb_initialize(&store);
-        kzb_reader(binary.path.c_str(), store);
-        const int categories = kzb_get_category_num(store);
-        EXPECT_GE(categories > many ? categories : kzb_get_table_num("c", store), many) << categories;
-        kzb_finish(store);
+    for (const Promises& file : {entries, tables}) {
+        write_file(binary.path, file.bytes + "$end_of_kzb_file,#\n");
         Costs costs;
+        int found = 0;
         {
             const Quiet quiet;
-            measure(binary, binary.path, bytes.size(), costs);
+            KZB_STORE* store = nullptr;
+            kzb_initialize(&store);
+            kzb_reader(binary.path.c_str(), store);
+            found = file.found(store);
+            kzb_finish(store);
+            measure(binary, binary.path, file.bytes.size(), costs);
         }
+        EXPECT_GE(found, many);
         EXPECT_LT(costs.seconds, 1.0);
-        EXPECT_LT(costs.bytes_per_byte, 64.0);
+        EXPECT_LT(costs.bytes_per_byte, file.most);
         EXPECT_EQ(costs.blocks_left, 0);
-        std::printf("%zu bytes: %.4f s, %.1f bytes of heap per byte over 1 MB\n", bytes.size(), costs.seconds,
+        std::printf("%zu bytes: %.4f s, %.1f bytes of heap per byte over 1 MB\n", file.bytes.size(), costs.seconds,
                     costs.bytes_per_byte);
     }
 }

@@ -23,6 +23,7 @@ struct Plan {
     long number = 0;
     int fault = 0;
     int error = 0;
+    int rename_error = 0;
 };
 Plan plan;
 std::atomic<long> calls{0};
@@ -120,6 +121,10 @@ int close(int descriptor) {
     return result;
 }
 int rename(const char* from, const char* to) noexcept {
+    if (plan.rename_error != 0) {
+        errno = plan.rename_error;
+        return -1;
+    }
     return take_turn(FileCall::rename) == Turn::fail ? -1 : static_cast<int>(syscall(SYS_rename, from, to));
 }
 }
@@ -134,7 +139,7 @@ std::string FaultPlan::text() const {
 
 FaultyFiles::FaultyFiles(const FaultPlan& made) {
     calls = 0;
-    plan = {static_cast<int>(made.call), made.number, static_cast<int>(made.fault), made.error};
+    plan = {static_cast<int>(made.call), made.number, static_cast<int>(made.fault), made.error, made.rename_error};
 }
 
 FaultyFiles::~FaultyFiles() {

@@ -21,6 +21,7 @@ struct FaultPlan {
     long number = 1;  // from 1
     FileFault fault = FileFault::fails;
     int error = 0;
+    int rename_error = 0;  // of every rename, besides
     // For the environment of a program that has this file preloaded.
     std::string text() const;
 };

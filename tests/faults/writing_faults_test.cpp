@@ -221,6 +221,36 @@ TEST_F(WritingFaults, where_a_name_cannot_be_exchanged_the_new_bytes_go_into_the
     }
 }
 
+TEST_F(WritingFaults, a_copy_that_fails_leaves_the_old_file_or_the_whole_new_one_beside) {
+    int copies_kept = 0;
+    for (const FileCall call : {FileCall::open, FileCall::read, FileCall::write, FileCall::fsync, FileCall::fchmod,
+                                FileCall::ftruncate, FileCall::close}) {
+        bool struck = true;
+        int hits = 0;
+        for (long number = 1; struck && number < more_than_any; ++number) {
+            SCOPED_TRACE(std::to_string(static_cast<int>(call)) + ", " + std::to_string(number));
+            const Folder place;
+            path_ = place / "out";
+            write_file(path_, old_content);
+            struck = finish_with({call, number, FileFault::fails, EIO, EBUSY});
+            hits += struck ? 1 : 0;
+            const std::vector<std::string> names = place.names();
+            if (names.size() == 1) {
+                EXPECT_THAT(read_file(path_), AnyOf(old_content, new_content_));
+            } else {
+                ASSERT_EQ(names.size(), 2U);
+                EXPECT_EQ(read_file(place / names[names[0] == "out" ? 1 : 0]), new_content_);
+                ++copies_kept;
+            }
+            if (!struck) {
+                EXPECT_EQ(read_file(path_), new_content_);
+            }
+        }
+        EXPECT_GT(hits, 0) << static_cast<int>(call);
+    }
+    EXPECT_GT(copies_kept, 0);
+}
+
 TEST_F(WritingFaults, a_file_beyond_the_limit_of_the_process_does_not_end_it) {
     write_file(path_, old_content);
     const int status = status_of_child([&] {

@@ -43,6 +43,7 @@ std::string text(std::uint64_t hash) {
 void expect_hash(const std::string& name, std::uint64_t hash) {
     if (const char* const path = std::getenv("KZB_WRITE_HASHES")) {
         static std::ofstream written(path);
+        ASSERT_TRUE(written.is_open()) << path;
         written << name << ' ' << text(hash) << std::endl;
         return;
     }

@@ -141,6 +141,7 @@ void FileSink::write(std::string_view bytes) {
             errno = ENOSPC;
         }
         note(written > 0);
+        signals.take(cause_);
         bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
     }
 }
@@ -166,9 +167,9 @@ void FileSink::put_in_place() {
 
 // The whole new file stands beside; should its copy fail when the old one is gone, it stays there.
 void FileSink::copy_into_place() {
-    const int from = ::open(temporary_.c_str(), O_RDONLY | O_CLOEXEC);
+    const int from = above_standard_streams(::open(temporary_.c_str(), O_RDONLY | O_CLOEXEC));
     note(from >= 0);
-    descriptor_ = ::open(place_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+    descriptor_ = above_standard_streams(::open(place_.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     note(descriptor_ >= 0);
     note(cause_ == 0 && ftruncate(descriptor_, 0) == 0);
     const bool truncated = cause_ == 0;
@@ -187,6 +188,10 @@ void FileSink::copy_into_place() {
     note(cause_ == 0 && on_disk(descriptor_));
     if (from >= 0) {
         ::close(from);
+    }
+    if (descriptor_ >= 0) {
+        note(::close(descriptor_) == 0);
+        descriptor_ = -1;
     }
     if (truncated && cause_ != 0) {
         temporary_.clear();

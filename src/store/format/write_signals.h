@@ -12,6 +12,8 @@ class WriteSignals {
     WriteSignals(const WriteSignals&) = delete;
     WriteSignals& operator=(const WriteSignals&) = delete;
     ~WriteSignals();
+    // Takes away the signal that came with a write that failed with `cause`.
+    void take(int cause) const;
 
   private:
     sigset_t before_;   // the thread's mask
