@@ -273,7 +273,7 @@ void add_category(std::string& bytes, const std::string& name, const std::array<
 
 // Files that are nothing but claims, of entries that never come and of tables without a body.
 TEST_F(DamagedFiles, files_that_promise_much_take_memory_in_proportion) {
-    constexpr int many = 10000;
+    constexpr int many = 4000;
     const std::string head = "$DORN-KZb,#\n";
     struct Promises {
         std::string bytes;
