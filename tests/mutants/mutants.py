@@ -5,8 +5,8 @@
 
 The tree is copied to WORK_DIR and built there once; each mutant changes one place of one source file, what depends on
 it is built again, and the test programs run until one fails. Places are drawn by the seed, folder after folder in
-turn, so that every folder of src/ has its share. A mutant that does not compile, or that builds the same object code,
-is no mutant: another one is drawn. A program that runs longer than the limit counts as one that failed.
+turn, so that every folder of src/ has its share. A mutant that does not compile, or that builds the same machine
+code, is no mutant: another one is drawn. A program that runs longer than the limit counts as one that failed.
 """
 
 import argparse
@@ -73,7 +73,8 @@ def places(path):
 def draw(seed, only):
     """Mutants without end: a folder in turn, a file of it by its number of places, a place of it."""
     by_folder = {}
-    for path in sorted((ROOT / "src").rglob("*.cpp")):
+    sources = (p for p in (ROOT / "src").rglob("*") if p.suffix in {".cpp", ".h"})
+    for path in sorted(sources):
         by_folder.setdefault(folder_of(path), []).extend((path, *place) for place in places(path))
     folders = [only] if only else sorted(by_folder)
     chance = random.Random(seed)
@@ -118,9 +119,11 @@ class Workshop:
     def make(self, target):
         return run(["ninja", "-C", self.build, "-j", self.jobs, target], None) == 0
 
-    def object_of(self, path):
-        hits = list(self.build.glob(f"src/CMakeFiles/*.dir/{path.relative_to(ROOT / 'src')}.o"))
-        return hits[0] if hits else None
+    def built_from(self, path):
+        """What holds the code of a source: its object, or the library for a header."""
+        if path.suffix == ".h":
+            return (self.build / "libKZBCalculator.so").resolve()
+        return next(self.build.glob(f"src/CMakeFiles/*.dir/{path.relative_to(ROOT / 'src')}.o"))
 
     def passes(self, program):
         environment = dict(os.environ, GTEST_FAIL_FAST="1", GTEST_BRIEF="1")
@@ -146,31 +149,30 @@ class Workshop:
         return self.suite()
 
 
-def text_digest(path):
-    """Of the machine code alone."""
-    out = path.with_suffix(".text")
-    subprocess.run(["objdump", "-d", "-j", ".text", "--no-show-raw-insn", path], stdout=out.open("wb"), check=False)
-    data = b"\n".join(out.read_bytes().splitlines()[3:])
-    readonly = subprocess.run(["objdump", "-s", "-j", ".rodata.cst8", path], capture_output=True, check=False).stdout
-    return hashlib.sha256(data + b"\n".join(readonly.splitlines()[3:])).hexdigest()
+def code_digest(path):
+    """Of the machine code and its numbers alone."""
+    digest = hashlib.sha256()
+    for shown in (["-d", "-j", ".text", "--no-show-raw-insn"], ["-s", "-j", ".rodata.cst8", "-j", ".rodata"]):
+        dump = subprocess.run(["objdump", *shown, path], capture_output=True, check=False).stdout
+        digest.update(b"\n".join(dump.splitlines()[3:]))
+    return digest.hexdigest()
 
 
 def try_mutant(shop, folder, mutant):
     """Fate of a mutant; None where it is none."""
     path, number, start, end, rule = mutant
-    name = path.relative_to(ROOT)
-    target = shop.tree / name
+    target = shop.tree / path.relative_to(ROOT)
     original = target.read_text(encoding="utf-8")
     lines = original.splitlines(keepends=True)
     lines[number] = lines[number][:start] + RULES[rule][1] + lines[number][end:]
-    kept_object = shop.object_of(path)
-    if kept_object is None:
-        return None
-    before = text_digest(kept_object)
+    built = shop.built_from(path)
+    name = str(built.relative_to(shop.build))
+    if not shop.make(name):
+        sys.exit("mutants: the copied tree does not build")
+    before = code_digest(built)
     target.write_text("".join(lines), encoding="utf-8")
     try:
-        built = str(kept_object.relative_to(shop.build))
-        if not shop.make(built) or text_digest(kept_object) == before:
+        if not shop.make(name) or code_digest(built) == before:
             return None
         return shop.fate(folder)
     finally:
