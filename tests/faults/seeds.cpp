@@ -81,6 +81,21 @@ std::vector<Seed> both_forms(const Folder& folder, const std::string& name, int 
     return {{name + " ascii", folder / (name + "_ascii")}, {name + " binary", folder / (name + "_binary")}};
 }
 
+// Another table for an older binary file: a square of values with a node for each row and column.
+std::string older_table(const std::string& name) {
+    constexpr int side = 11;
+    std::string bytes = "*table\n";
+    add_word(bytes, 1);
+    bytes += "*" + name + "\n";
+    for (const int head : {2, 2, 0, 0, side, side}) {  // type, axes, their cyclic flags, rows, columns
+        add_word(bytes, head);
+    }
+    for (int i = 0; i < side + side * (1 + side); ++i) {  // nodes of the columns; of each row its node and values
+        add_word(bytes, 1.0 * i);
+    }
+    return bytes;
+}
+
 }  // namespace
 
 std::string ascii_form(KZB_STORE* store) {
@@ -118,7 +133,8 @@ std::vector<Seed> model_seeds(const Folder& folder) {
     std::vector<Seed> seeds = both_forms(folder, "small", 12, 40);
     const std::string older = std::string(KZB_SOURCE_DIR) + "/fuzz/seeds/read_model/";
     seeds.push_back({"older ascii", older + "legacy_ascii.kzb", true});
-    seeds.push_back({"older binary", older + "legacy_binary.kzb"});
+    write_file(folder / "older_binary", read_file(older + "legacy_binary.kzb") + older_table("hysloss"));
+    seeds.push_back({"older binary", folder / "older_binary"});
     return seeds;
 }
 

@@ -24,6 +24,12 @@ std::vector<Seed> large_seeds(const Folder& folder);
 // A correction file and the two kinds of loss files, of about 2 KB.
 std::vector<Seed> measured_seeds(const Folder& folder);
 
+// Appends the bytes of a number.
+template <class Word>
+void add_word(std::string& bytes, Word word) {
+    bytes.append(reinterpret_cast<const char*>(&word), sizeof word);
+}
+
 // The store as an ascii file, written from the outside.
 std::string ascii_form(KZB_STORE* store);
 
