@@ -36,6 +36,7 @@ TEST(GenericCircuit, element_of_no_terminal_or_no_type_and_a_port_id_out_of_rang
         }
         GenericRun run(file.store);
         EXPECT_EQ(run.model.faults().size(), 1u) << fault;
+        EXPECT_EQ(run.result, 1) << "the application is offered all the same";
     }
 }
 
