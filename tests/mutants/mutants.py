@@ -6,7 +6,8 @@
 The tree is copied to WORK_DIR and built there once; each mutant changes one place of one source file, what depends on
 it is built again, and the test programs run until one fails. Places are drawn by the seed, folder after folder in
 turn, so that every folder of src/ has its share. A mutant that does not compile, or that builds the same machine
-code, is no mutant: another one is drawn. A program that runs longer than the limit counts as one that failed.
+code, is no mutant: another one is drawn. So it is with those in equal.tsv, which were not noticed and change nothing that
+could be: file, change, code, reason. A program that runs longer than the limit counts as one that failed.
 """
 
 import argparse
@@ -21,6 +22,7 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+EQUAL = Path(__file__).with_name("equal.tsv")
 PROGRAM_LIMIT = 600  # seconds
 # Programs that look at a folder first, then those that are quick for all that they see, then the whole suite.
 NEAREST = {
@@ -179,9 +181,15 @@ def try_mutant(shop, folder, mutant):
         target.write_text(original, encoding="utf-8")
 
 
+def equal_ones():
+    """(file, change, code) of each mutant that is known to change nothing."""
+    rows = EQUAL.read_text(encoding="utf-8").splitlines() if EQUAL.exists() else []
+    return {tuple(row.split("\t")[:3]) for row in rows if row and not row.startswith("#")}
+
+
 def read_report(path):
     lines = path.read_text(encoding="utf-8").splitlines() if path and path.exists() else []
-    return [line for line in lines if line.startswith("| ") and "`" in line]
+    return {line.rsplit(" | ", 1)[0]: line for line in lines if line.startswith("| ") and "`" in line}
 
 
 def main():
@@ -199,16 +207,23 @@ def main():
     failing = "" if options.unchecked else shop.suite()
     if failing:
         sys.exit(f"mutants: {failing} fails without a mutant")
-    rows = read_report(options.report) if options.resume else []
-    known = {row.rsplit(" | ", 1)[0] for row in rows}
+    known = read_report(options.report) if options.resume else {}
+    equal = equal_ones()
+    rows = []
+    passed_over = 0
     for folder, mutant in draw(options.seed, options.only):
         if len(rows) == options.count:
             break
         path, number, start, end, rule = mutant
+        name = path.relative_to(ROOT / "src")
         line = path.read_text(encoding="utf-8").splitlines()[number]
         change = f"`{line[start:end].strip()}` to `{RULES[rule][1].strip() or ' '}`"
-        place = f"| {path.relative_to(ROOT / 'src')}:{number + 1} | {change}"
+        if (str(name), change, line.strip()) in equal:
+            passed_over += 1
+            continue
+        place = f"| {name}:{number + 1} | {change}"
         if place in known:
+            rows.append(known[place])
             continue
         began = time.monotonic()
         fate = try_mutant(shop, folder, mutant)
@@ -220,7 +235,7 @@ def main():
             options.report.write_text("| place | change | noticed by |\n|---|---|---|\n" + "\n".join(rows) + "\n",
                                       encoding="utf-8")
     noticed = sum("not noticed" not in row for row in rows)
-    print(f"{noticed} of {len(rows)} noticed")
+    print(f"{noticed} of {len(rows)} noticed, {passed_over} equal ones passed over")
 
 
 if __name__ == "__main__":
