@@ -141,6 +141,11 @@ TEST(GenericDriver, setters_refuse_zero_and_two_of_them_answer_0_for_success) {
     EXPECT_EQ(run.model.value(PortGroup::coils, 1, "coef_flux"), 1.5);
     EXPECT_EQ(run.model.set_coil_temperature(1, 0.0), 0);
     EXPECT_EQ(run.model.set_coil_temperature(1, 300.0), 1);
+    // However small, a positive value is taken.
+    EXPECT_EQ(run.model.set_coil_temperature(1, 1e-3), 1);
+    EXPECT_EQ(run.model.coil_temperature(1), 1e-3);
+    EXPECT_EQ(run.model.set_value(PortGroup::resistors, 1, "resistance", 1e-9), 1);
+    EXPECT_EQ(run.model.value(PortGroup::resistors, 1, "resistance"), 1e-9);
     EXPECT_EQ(run.model.set_value(PortGroup::resistors, 2, "resistance", 2.0), 0);
     EXPECT_EQ(run.model.value(PortGroup::resistors, 0, "resistance"), 0.0);
 }
